@@ -1,0 +1,178 @@
+#pragma once
+// An ADO-shaped layer over Qt SQL's ODBC driver: each procedure makes its own Connection
+// from the profile string, opens Recordsets on SQL text, and lets both go at its end.
+//
+// Profile strings are ADO strings: the "PROVIDER=MSDASQL;" item is dropped and the rest is
+// handed to the ODBC driver manager as it stands. "PROVIDER=MSDataShape" is the same plus
+// data shaping: "SHAPE {inner} AS name COMPUTE name BY 'col'" gives one parent row per
+// distinct col (in the order the rows come) with a child recordset each.
+//
+// On SQLite (the embedded database, through the SQLite3 ODBC driver and our compat
+// extension) the SQL Server text is adapted on the way out: see sqldialect.h.
+//
+// Every failure raises vb::VbError with the provider's message text unchanged.
+
+#include <QSqlDatabase>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+#include <memory>
+#include <vector>
+
+namespace adodb {
+
+enum CursorTypeEnum : int {
+    adOpenUnspecified = -1,
+    adOpenForwardOnly = 0,
+    adOpenKeyset = 1,
+    adOpenDynamic = 2,
+    adOpenStatic = 3,
+};
+enum LockTypeEnum : int {
+    adLockUnspecified = -1,
+    adLockReadOnly = 1,
+    adLockPessimistic = 2,
+    adLockOptimistic = 3,
+};
+enum CommandTypeEnum : int {
+    adOptionUnspecified = -1,
+    adCmdText = 1,
+};
+
+// ADO's own error numbers and texts, as the Chinese runtime reports them.
+constexpr int adErrNoCurrentRecord = 3021;
+constexpr int adErrObjectClosed = 3704;
+constexpr int adErrItemNotFound = 3265;
+QString adoErrorText(int number);
+
+enum class Dbms { Unknown, SqlServer, SQLite, Other };
+
+class Recordset;
+
+class Connection {
+public:
+    Connection();
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    // Open with the profile; user and password as ADO takes them (empty: from the string).
+    void Open(const QString& connectionString, const QString& userId = QString(),
+              const QString& password = QString(), int options = adOptionUnspecified);
+    bool isOpen() const;
+    const QString& ConnectionString() const { return m_connStr; }
+    bool isShaped() const { return m_shaped; }
+    Dbms dbms() const { return m_dbms; }
+
+    // Runs a statement. For a SELECT the rows come back as a forward recordset; for other
+    // statements the recordset is closed (no fields). recordsAffected gets the count of a
+    // write, -1 for a read.
+    std::unique_ptr<Recordset> Execute(const QString& sql, long* recordsAffected = nullptr);
+
+    void BeginTrans();
+    void CommitTrans();
+    void RollbackTrans();
+
+    // The SQL as it goes to the database after the dialect adaptation (tests, logs).
+    QString adapt(const QString& sql) const;
+
+    QSqlDatabase database() const;
+
+private:
+    friend class Recordset;
+    QString m_name;
+    QString m_connStr;
+    bool m_shaped = false;
+    bool m_open = false;
+    Dbms m_dbms = Dbms::Unknown;
+};
+
+class Recordset {
+public:
+    Recordset();
+    ~Recordset();
+    Recordset(const Recordset&) = delete;
+    Recordset& operator=(const Recordset&) = delete;
+
+    void Open(const QString& source, Connection& activeConnection,
+              int cursorType = adOpenForwardOnly, int lockType = adLockReadOnly,
+              int options = adOptionUnspecified);
+    bool isOpen() const { return m_open; }
+
+    bool BOF() const;
+    bool EOF_() const;
+    bool atEnd() const { return EOF_(); }
+
+    // Moving past EOF or before BOF raises 3021, as ADO does; MoveNext from the last row
+    // lands on EOF, MovePrevious from the first on BOF.
+    void MoveFirst();
+    void MoveLast();
+    void MoveNext();
+    void MovePrevious();
+
+    // -1 for forward-only and dynamic cursors (the driver cannot tell), the number of rows
+    // for keyset and static ones.
+    long RecordCount() const;
+    // The number of rows actually fetched, whatever the cursor (the grids use it).
+    long rowCount() const { return static_cast<long>(m_rows.size()); }
+    // Zero-based position, -1 before the first row, rowCount() after the last.
+    long position() const { return m_pos; }
+
+    int fieldCount() const { return static_cast<int>(m_names.size()); }
+    QString fieldName(int index) const;
+    const QStringList& fieldNames() const { return m_names; }
+    int fieldIndex(const QString& name) const; // case-insensitive; -1 when absent
+
+    // Value of the current row. No current row: 3021; no such field: 3265.
+    QVariant value(int index) const;
+    QVariant value(const QString& name) const;
+    bool isNull(int index) const { return value(index).isNull(); }
+    bool isNull(const QString& name) const { return value(name).isNull(); }
+    // The value as text, NULL as "" (what `rs!x & ""` gives).
+    QString text(int index) const;
+    QString text(const QString& name) const;
+
+    // Direct access to the fetched rows (the grid binds from here).
+    const std::vector<QVariant>& row(long i) const { return m_rows[static_cast<size_t>(i)]; }
+
+    // Shaped recordsets: the child recordset of the current parent row (chapter column).
+    Recordset* child(const QString& chapterName) const;
+    bool hasChildren() const { return !m_children.empty(); }
+
+    // Builds a recordset from rows in memory (shaping, tests).
+    static std::unique_ptr<Recordset> fromRows(QStringList names,
+                                               std::vector<std::vector<QVariant>> rows,
+                                               int cursorType = adOpenStatic);
+
+private:
+    friend class Connection;
+    void load(Connection& conn, const QString& sql, int cursorType);
+    void loadShaped(Connection& conn, const QString& sql, int cursorType);
+    void requireCurrent() const;
+
+    bool m_open = false;
+    int m_cursorType = adOpenForwardOnly;
+    long m_pos = -1;
+    QStringList m_names;
+    std::vector<std::vector<QVariant>> m_rows;
+    QString m_chapterName;
+    std::vector<std::unique_ptr<Recordset>> m_children; // one per parent row
+};
+
+// ODBC data sources of the machine (SQLDataSources), user and system ones.
+struct DataSource {
+    QString name;
+    QString description; // the driver's name
+};
+std::vector<DataSource> dataSources();
+
+// Turns an ADO profile into the ODBC connection string and tells whether shaping was
+// asked for. Items are kept as they stand, but for the provider item.
+struct OdbcProfile {
+    QString odbc;
+    bool shaped = false;
+};
+OdbcProfile parseProfile(const QString& connectionString);
+
+} // namespace adodb

@@ -1,0 +1,52 @@
+#pragma once
+// What every test of the project shares: the scripted message boxes, the recorded process
+// end, a temporary settings store, and fresh databases reached through the real ODBC path.
+
+#include "platform/msgbox.h"
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace testsupport {
+
+// The scripted boxes installed for the whole run (cleared before each test).
+vb::ScriptedMsgBox& boxes();
+// How many times App::end ran since the test began.
+int processEnds();
+
+// Path of the loadable compat extension the ODBC driver takes with LoadExt=.
+QString compatModule();
+// An ADO profile for a SQLite file through the SQLite3 ODBC driver and the extension.
+QString sqliteProfile(const QString& dbPath);
+
+// Runs statements directly on a SQLite file (with the compat functions registered), for
+// fixtures that need tables the database tool does not make. Fails the test on error.
+void execSqlite(const QString& dbPath, const QString& sql);
+// First column of the first row as text ("" when there is none), straight from SQLite.
+QString querySqlite(const QString& dbPath, const QString& sql);
+
+// A test with its own temporary folder, settings store and (on demand) database.
+class DbTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+    // A fresh database made by the database tool (with demo rows when asked), stored as
+    // the connection profile; returns the profile.
+    QString makeDatabase(bool demo = false);
+    // An empty SQLite file with the compat functions, and its profile.
+    QString makeEmptyDatabase();
+    QString dbPath() const { return m_dbPath; }
+    QString profile() const { return m_profile; }
+    QString tempPath() const { return m_dir ? m_dir->path() : QString(); }
+
+private:
+    std::unique_ptr<QTemporaryDir> m_dir;
+    QString m_dbPath;
+    QString m_profile;
+};
+
+} // namespace testsupport
