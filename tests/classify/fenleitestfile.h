@@ -8,6 +8,13 @@
 #include <QStringEncoder>
 #include <QStringList>
 
+#include <ostream>
+
+// Readable failures: gtest shows texts, not their bytes.
+inline void PrintTo(const QString& s, std::ostream* os) {
+    *os << '"' << s.toStdString() << '"';
+}
+
 namespace fenleitest {
 
 inline QByteArray toGbk(const QStringList& lines, const char* eol = "\r\n") {
