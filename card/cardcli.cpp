@@ -1,0 +1,286 @@
+#include "cardcli.h"
+
+#include "carddriver.h"
+#include "platform/errors.h"
+#include "platform/gbk.h"
+
+#include <QFile>
+#include <QIODevice>
+
+#include <cstring>
+
+namespace card {
+
+namespace {
+
+constexpr qsizetype kReadChunk = 1 << 20;
+constexpr qsizetype kWriteChunk = 1 << 20;
+
+bool onlyLineBreaks(const char* data, qsizetype size) {
+    for (qsizetype i = 0; i < size; ++i) {
+        const char c = data[i];
+        if (c != '\r' && c != '\n' && c != ' ' && c != '\t') return false;
+    }
+    return true;
+}
+
+bool isAscii(const QByteArray& b) {
+    for (char c : b)
+        if (static_cast<unsigned char>(c) >= 0x80) return false;
+    return true;
+}
+
+class Writer {
+public:
+    Writer(QIODevice& dev, bool gbkOutput) : m_dev(dev), m_gbk(gbkOutput) {}
+    ~Writer() { flush(); }
+    Writer(const Writer&) = delete;
+    Writer& operator=(const Writer&) = delete;
+
+    void write(const QString& text) {
+        m_buf += m_gbk ? gbk::encode(text) : text.toUtf8();
+        if (m_buf.size() >= kWriteChunk) flush();
+    }
+    void writeRaw(const char* s) { m_buf += s; }
+    void flush() {
+        if (!m_buf.isEmpty()) m_dev.write(m_buf);
+        m_buf.clear();
+    }
+
+private:
+    QIODevice& m_dev;
+    bool m_gbk;
+    QByteArray m_buf;
+};
+
+// Reads a device to its end, handing over each record as soon as it is complete.
+bool splitDevice(QIODevice& dev, const RecordSplitter::RecordFn& onRecord) {
+    RecordSplitter splitter(onRecord);
+    QByteArray chunk(kReadChunk, Qt::Uninitialized);
+    for (;;) {
+        const qint64 n = dev.read(chunk.data(), chunk.size());
+        if (n < 0) return false;
+        if (n == 0) break; // a blocking read gives nothing only at the end
+        splitter.feed(chunk.constData(), n);
+    }
+    splitter.finish();
+    return true;
+}
+
+QString stdinName() {
+    return QStringLiteral("(标准输入)");
+}
+
+} // namespace
+
+QString usageText() {
+    return QStringLiteral(
+        "用法: orvane-card [选项] [文件...]\n"
+        "读取 ISO 2709 格式的 MARC 记录（GBK 编码，每条记录以字符 29 结束），\n"
+        "按记录顺序输出，记录之间以换页符分隔。没有文件或文件为 \"-\" 时读标准输入。\n"
+        "\n"
+        "  --card     卡片式（默认）\n"
+        "  --fields   字段式\n"
+        "  --raw      标准式：记录原文\n"
+        "  --view     在阅读窗口中打开第一条记录\n"
+        "  --gbk      以 GBK 编码输出（默认 UTF-8）\n"
+        "  -h, --help 显示本说明\n"
+        "\n"
+        "退出状态: 0 全部记录已输出；1 有记录无法读出；2 参数错误或文件无法读取。\n");
+}
+
+std::optional<CliOptions> parseArguments(const QStringList& args, QString* error) {
+    CliOptions o;
+    bool layoutGiven = false;
+    bool filesOnly = false;
+    for (const QString& a : args) {
+        if (filesOnly || a == QLatin1String("-") || !a.startsWith(u'-')) {
+            o.files << a;
+            continue;
+        }
+        auto setLayout = [&](Layout l) {
+            if (layoutGiven && o.layout != l) {
+                if (error) *error = QStringLiteral("--card、--fields 和 --raw 只能选一个");
+                return false;
+            }
+            o.layout = l;
+            layoutGiven = true;
+            return true;
+        };
+        if (a == QLatin1String("--card")) {
+            if (!setLayout(Layout::Card)) return std::nullopt;
+        } else if (a == QLatin1String("--fields")) {
+            if (!setLayout(Layout::Fields)) return std::nullopt;
+        } else if (a == QLatin1String("--raw")) {
+            if (!setLayout(Layout::Raw)) return std::nullopt;
+        } else if (a == QLatin1String("--view")) {
+            o.view = true;
+        } else if (a == QLatin1String("--gbk")) {
+            o.gbkOutput = true;
+        } else if (a == QLatin1String("-h") || a == QLatin1String("--help")) {
+            o.help = true;
+        } else if (a == QLatin1String("--")) {
+            filesOnly = true;
+        } else {
+            if (error) *error = QStringLiteral("未知选项: %1").arg(a);
+            return std::nullopt;
+        }
+    }
+    if (o.view && layoutGiven) {
+        if (error) *error = QStringLiteral("--view 不能与 --card、--fields、--raw 同用");
+        return std::nullopt;
+    }
+    return o;
+}
+
+void RecordSplitter::emitRecord(const char* data, qsizetype size) {
+    while (size > 0 && (*data == '\r' || *data == '\n')) {
+        ++data;
+        --size;
+    }
+    if (size > 0) m_onRecord(QByteArray::fromRawData(data, size));
+}
+
+void RecordSplitter::feed(const char* data, qsizetype size) {
+    qsizetype start = 0;
+    while (start < size) {
+        const void* hit = std::memchr(data + start, 29, size_t(size - start));
+        if (!hit) {
+            m_pending.append(data + start, size - start);
+            return;
+        }
+        const qsizetype end = static_cast<const char*>(hit) - data + 1;
+        if (m_pending.isEmpty()) {
+            emitRecord(data + start, end - start);
+        } else {
+            m_pending.append(data + start, end - start);
+            emitRecord(m_pending.constData(), m_pending.size());
+            m_pending.clear();
+        }
+        start = end;
+    }
+}
+
+void RecordSplitter::finish() {
+    if (!onlyLineBreaks(m_pending.constData(), m_pending.size()))
+        emitRecord(m_pending.constData(), m_pending.size());
+    m_pending.clear();
+}
+
+MarcText recordText(const QByteArray& raw) {
+    // Most of a record is ASCII; such a record is its own GBK form.
+    if (isAscii(raw)) return MarcText(QString::fromLatin1(raw), QByteArray(raw.data(), raw.size()));
+    QString text = gbk::decode(raw);
+    QByteArray bytes = gbk::encode(text); // not `raw`: a bad byte pair reads back as "?"
+    return MarcText(std::move(text), std::move(bytes));
+}
+
+RecordOutput formatRecord(const QByteArray& raw, Layout layout) {
+    RecordOutput r;
+    const MarcText marc = recordText(raw);
+    auto message = [&r](const QString& m) { r.messages << m; };
+    try {
+        std::optional<QString> text;
+        switch (layout) {
+        case Layout::Raw:
+            text = marc.text();
+            break;
+        case Layout::Fields:
+            text = showZiduan(marc, message);
+            break;
+        case Layout::Card:
+            text = showKapian(marc, message);
+            break;
+        }
+        if (text) {
+            r.ok = true;
+            r.text = *std::move(text);
+        } else {
+            // The directory check refused the record; its message is the reason.
+            r.error = r.messages.isEmpty() ? directoryErrorText() : r.messages.takeLast();
+        }
+    } catch (const vb::VbError& e) {
+        r.error = QStringLiteral("实时错误 '%1': %2").arg(e.number()).arg(e.description());
+    }
+    return r;
+}
+
+int runCardTool(const CliOptions& options, QIODevice& standardInput, QIODevice& out,
+                QIODevice& err) {
+    Writer w(out, options.gbkOutput);
+    Writer e(err, options.gbkOutput);
+    int status = 0;
+    bool first = true;
+    const QStringList files =
+        options.files.isEmpty() ? QStringList{QStringLiteral("-")} : options.files;
+    for (const QString& file : files) {
+        QFile f(file);
+        QIODevice* dev = &standardInput;
+        QString name = stdinName();
+        if (file != QLatin1String("-")) {
+            name = file;
+            if (!f.open(QIODevice::ReadOnly)) {
+                e.write(
+                    QStringLiteral("orvane-card: 无法打开 %1: %2\n").arg(file, f.errorString()));
+                status = 2;
+                continue;
+            }
+            dev = &f;
+        }
+        int number = 0;
+        const bool read = splitDevice(*dev, [&](const QByteArray& raw) {
+            ++number;
+            RecordOutput r = formatRecord(raw, options.layout);
+            const QString where =
+                QStringLiteral("orvane-card: %1: 第%2条记录: ").arg(name).arg(number);
+            for (const QString& m : std::as_const(r.messages)) e.write(where + m + u'\n');
+            if (!r.ok) {
+                e.write(where + r.error + u'\n');
+                e.flush();
+                if (status == 0) status = 1;
+                return;
+            }
+            if (!first) w.writeRaw("\f\n");
+            first = false;
+            r.text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+            if (!r.text.endsWith(u'\n')) r.text += u'\n';
+            w.write(r.text);
+        });
+        if (!read) {
+            e.write(
+                QStringLiteral("orvane-card: 读取 %1 出错: %2\n").arg(name, dev->errorString()));
+            status = 2;
+        }
+    }
+    return status;
+}
+
+std::optional<QByteArray> firstRecord(const CliOptions& options, QIODevice& standardInput,
+                                      QString* error) {
+    const QString file = options.files.isEmpty() ? QStringLiteral("-") : options.files.first();
+    QFile f(file);
+    QIODevice* dev = &standardInput;
+    if (file != QLatin1String("-")) {
+        if (!f.open(QIODevice::ReadOnly)) {
+            if (error) *error = QStringLiteral("无法打开 %1: %2").arg(file, f.errorString());
+            return std::nullopt;
+        }
+        dev = &f;
+    }
+    // Reads to the end; one record is all the viewer needs, but a stream cannot be cut
+    // short politely, and a record file is not large.
+    std::optional<QByteArray> first;
+    const bool read = splitDevice(*dev, [&](const QByteArray& raw) {
+        if (!first) first = QByteArray(raw.constData(), raw.size());
+    });
+    if (!read) {
+        if (error) *error = QStringLiteral("读取 %1 出错: %2").arg(file, dev->errorString());
+        return std::nullopt;
+    }
+    if (!first && error)
+        *error =
+            QStringLiteral("%1 中没有记录").arg(file == QLatin1String("-") ? stdinName() : file);
+    return first;
+}
+
+} // namespace card
