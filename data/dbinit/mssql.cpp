@@ -134,7 +134,7 @@ std::string mssqlScript(bool demo) {
     out += "-- OrvaneCG acquisitions: tables and seed rows";
     out += demo ? " with the demo data set\n" : "\n";
     out += "-- Run in the existing library database (Chinese collation), e.g. with\n"
-           "--   sqlcmd -S server -d database -i this.sql\n"
+           "--   sqlcmd -S server -d database -f 65001 -i this.sql   (the file is UTF-8)\n"
            "-- Tables and columns that exist already are kept; rows are only added to\n"
            "-- empty tables.\n"
            "SET NOCOUNT ON\nGO\n";

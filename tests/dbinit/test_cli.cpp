@@ -1,0 +1,227 @@
+// The orvane-dbinit command: what it makes, what it refuses, and its SQL Server script.
+
+#include "dbhelp.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <map>
+
+#ifndef _WIN32
+#include <sys/wait.h>
+#endif
+
+using dbhelp::Db;
+using dbhelp::TempDir;
+
+namespace {
+
+struct ToolRun {
+    int code = -1;
+    std::string out, err;
+};
+
+std::string slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// Runs the tool with args (already quoted as needed); output goes through files in a
+// folder of its own, so that the folders under test see nothing of it.
+ToolRun tool(const std::string& args) {
+    static TempDir logs;
+    ToolRun r;
+    const std::string out = logs.file("out"), err = logs.file("err");
+    const int status = std::system(
+        (std::string("\"") + ORVANE_DBINIT_EXE + "\" " + args + " >" + out + " 2>" + err).c_str());
+#ifdef _WIN32
+    r.code = status;
+#else
+    r.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+#endif
+    r.out = slurp(out);
+    r.err = slurp(err);
+    return r;
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+TEST(DbinitTool, CreatesADatabaseAndNamesItsUsers) {
+    TempDir dir;
+    const ToolRun r = tool("\"" + dir.file("orvane.db") + "\"");
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_TRUE(contains(r.out, "admin / admin"));
+    EXPECT_TRUE(contains(r.out, "guest / guest"));
+    EXPECT_EQ(dir.entries(), std::vector<std::string>{"orvane.db"});
+    Db db(dir.file("orvane.db"));
+    EXPECT_EQ(db.value("Select count(*) From cgk"), "0");
+    EXPECT_EQ(db.value("Select cgk From LibUse Where username='admin'"), "1");
+}
+
+TEST(DbinitTool, AddsHoldingsForLoadTests) {
+    TempDir dir;
+    ToolRun r = tool("--zsk-rows 3000 \"" + dir.file("a.db") + "\"");
+    ASSERT_EQ(r.code, 0) << r.err;
+    r = tool("--demo --zsk-rows=500 \"" + dir.file("b.db") + "\"");
+    ASSERT_EQ(r.code, 0) << r.err;
+    Db a(dir.file("a.db")), b(dir.file("b.db"));
+    EXPECT_EQ(a.value("Select count(*)||'/'||max(ZSKID) From ZSK"), "3000/3000");
+    EXPECT_EQ(b.value("Select count(*)||'/'||max(ZSKID) From ZSK"), "10500/10500");
+    // The cgkid counter is not disturbed by holdings.
+    EXPECT_EQ(a.value("Select Code From Global Where type='cgkid'"), "1");
+}
+
+TEST(DbinitTool, RefusesAnExistingFileAndLeavesItAlone) {
+    TempDir dir;
+    const std::string path = dir.file("orvane.db");
+    std::ofstream(path) << "not a database";
+    for (const char* extra : {"", "--demo ", "--mssql "}) {
+        const ToolRun r = tool(std::string(extra) + "\"" + path + "\"");
+        EXPECT_NE(r.code, 0) << extra;
+        EXPECT_TRUE(contains(r.err, "文件已存在")) << r.err;
+        EXPECT_EQ(slurp(path), "not a database");
+        EXPECT_EQ(dir.entries(), std::vector<std::string>{"orvane.db"}) << extra;
+    }
+}
+
+TEST(DbinitTool, RefusesPlacesItCannotWrite) {
+    TempDir dir;
+    std::ofstream(dir.file("plain")) << "x";
+    // A file where a folder should be, a folder that is missing, and a folder that
+    // nobody may write to (even root may not create files in /proc).
+    for (const std::string& path :
+         {dir.file("plain") + "/orvane.db", dir.file("missing") + "/orvane.db",
+          std::string("/proc/orvane-dbinit-test.db")}) {
+        const ToolRun r = tool("--demo \"" + path + "\"");
+        EXPECT_NE(r.code, 0) << path;
+        EXPECT_TRUE(contains(r.err, "orvane-dbinit: ")) << r.err;
+        EXPECT_FALSE(std::filesystem::exists(path)) << path;
+    }
+    EXPECT_EQ(dir.entries(), std::vector<std::string>{"plain"});
+}
+
+TEST(DbinitTool, RejectsBadArgumentsWithoutWriting) {
+    TempDir dir;
+    const std::string path = "\"" + dir.file("x.db") + "\"";
+    const std::map<std::string, std::string> cases{
+        {"--bogus " + path, "--bogus"},
+        {"--zsk-rows abc " + path, "abc"},
+        {"--zsk-rows -5 " + path, "-5"},
+        {path + " " + path, "多余"},
+        {"--demo", "缺少"},
+        {"--mssql --zsk-rows 10", "--zsk-rows"},
+    };
+    for (const auto& [args, said] : cases) {
+        const ToolRun r = tool(args);
+        EXPECT_EQ(r.code, 2) << args;
+        EXPECT_TRUE(contains(r.err, said)) << args << ": " << r.err;
+        EXPECT_TRUE(r.out.empty()) << args;
+    }
+    EXPECT_TRUE(dir.entries().empty());
+
+    const ToolRun help = tool("--help");
+    EXPECT_EQ(help.code, 0);
+    for (const char* option : {"--demo", "--mssql", "--zsk-rows", "PATH"})
+        EXPECT_TRUE(contains(help.out, option)) << option;
+}
+
+// The part of the script from "CREATE TABLE [dbo].[name]" to its closing bracket.
+std::string createBlock(const std::string& script, const std::string& table) {
+    const size_t at = script.find("CREATE TABLE [dbo].[" + table + "] (");
+    if (at == std::string::npos) return {};
+    return script.substr(at, script.find("\n)\n", at) - at);
+}
+
+// Every line's quotes pair up: no quote inside a text went undoubled.
+bool quotesBalance(const std::string& script, std::string* badLine) {
+    size_t start = 0;
+    while (start < script.size()) {
+        size_t end = script.find('\n', start);
+        if (end == std::string::npos) end = script.size();
+        const std::string line = script.substr(start, end - start);
+        size_t quotes = 0;
+        for (char c : line) quotes += c == '\'';
+        if (quotes % 2) {
+            *badLine = line;
+            return false;
+        }
+        start = end + 1;
+    }
+    return true;
+}
+
+TEST(DbinitTool, WritesTheSchemaForSqlServer) {
+    const ToolRun r = tool("--mssql");
+    ASSERT_EQ(r.code, 0) << r.err;
+    const std::string& s = r.out;
+    const std::map<std::string, std::vector<std::string>> tables{
+        {"cgk",
+         {"cgkid", "bookfrom", "bookname", "isbn", "price", "yddate", "status", "batch", "ysdate",
+          "ysprice", "yscount", "fpcode", "sjcode", "ysjine"}},
+        {"cgkStatus", {"fieldsstatus", "fieldsname"}},
+        {"cggys",
+         {"publisher", "pubplace", "address", "zipcode", "tel", "fax", "email", "web", "pubclass"}},
+        {"Global", {"type", "code"}},
+        {"cck", {"measure"}},
+        {"wxlx", {"docclass"}},
+        {"type", {"type", "name"}},
+        {"cbk", {"cbkid", "C_SBN", "C_CBD", "C_CBS"}},
+        {"ZSK", {"ZSKID", "bookname", "isbn", "bookcount"}},
+        {"taolutable", {"ZSKID", "bookname", "isbn", "classcode"}},
+        {"LibUse", {"userid", "username", "password", "cgk"}},
+        {"FDict", {"DbName", "FieldName", "CnName"}},
+        {"printCG", {"bookname", "jine"}},
+        {"printMX", {"ysdate", "count"}},
+        {"printLeiBie", {"type", "batch", "typecount", "count", "jine"}},
+        {"printTotalJE", {"name", "ydtype", "ydcount", "ydjine", "ystype", "yscount", "ysjine"}},
+        {"printYStotal", {"batch", "counts"}},
+        {"printYSmx", {"batch", "counts"}},
+    };
+    for (const auto& [table, columns] : tables) {
+        const std::string block = createBlock(s, table);
+        ASSERT_FALSE(block.empty()) << table;
+        for (const auto& c : columns) EXPECT_TRUE(contains(block, "[" + c + "] ")) << table << c;
+    }
+    const std::string cgk = createBlock(s, "cgk");
+    EXPECT_TRUE(contains(cgk, "[status] int NULL CONSTRAINT [DF_cgk_status] DEFAULT (0)"));
+    EXPECT_TRUE(contains(cgk, "[yddate] datetime"));
+    EXPECT_TRUE(contains(cgk, "[bookname] varchar(200) COLLATE Chinese_PRC_CI_AS"));
+    EXPECT_TRUE(contains(createBlock(s, "LibUse"), "[cgk] bit"));
+    EXPECT_TRUE(contains(s, "(N'cgkid',N'1')"));
+    EXPECT_TRUE(contains(s, "N'预定中'"));
+    EXPECT_TRUE(contains(s, ",N'7-302',N'北京',N'清华大学出版社')"));
+    EXPECT_TRUE(contains(s, "\nGO\n"));
+    // For a database shared with other subsystems: nothing is dropped or recreated.
+    EXPECT_FALSE(contains(s, "DROP "));
+    EXPECT_FALSE(contains(s, "CREATE DATABASE"));
+    std::string bad;
+    EXPECT_TRUE(quotesBalance(s, &bad)) << bad;
+}
+
+TEST(DbinitTool, WritesTheDemoForSqlServerToAFile) {
+    TempDir dir;
+    const std::string path = dir.file("demo.sql");
+    ToolRun r = tool("--mssql --demo \"" + path + "\"");
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(dir.entries(), std::vector<std::string>{"demo.sql"});
+    const std::string s = slurp(path);
+    EXPECT_EQ(s, tool("--demo --mssql").out);
+
+    r = tool("--demo \"" + dir.file("demo.db") + "\"");
+    ASSERT_EQ(r.code, 0) << r.err;
+    Db db(dir.file("demo.db"));
+    // The same rows as the SQLite demo: its counter, its quoted titles doubled.
+    EXPECT_TRUE(contains(s, "(N'cgkid',N'" +
+                                db.value("Select Code From Global Where type='cgkid'") + "')"));
+    EXPECT_TRUE(contains(s, "O''Reilly"));
+    EXPECT_TRUE(contains(s, "INSERT INTO [dbo].[ZSK] ("));
+    // Dates in the one form every server setting reads alike.
+    const std::string first = db.value("Select replace(yddate,'-','') From cgk Where cgkid=1");
+    EXPECT_TRUE(contains(s, ",'" + first + "',")) << first;
+    std::string bad;
+    EXPECT_TRUE(quotesBalance(s, &bad)) << bad;
+}
+
+} // namespace
