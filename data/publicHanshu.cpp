@@ -21,8 +21,8 @@ QDateTime serverDate() {
         adodb::Connection conn;
         conn.Open(gConnStr, QString(), QString(), adodb::adOptionUnspecified);
         adodb::Recordset rs;
-        rs.Open(QStringLiteral("select getdate()"), conn, adodb::adOpenKeyset, adodb::adLockOptimistic,
-                adodb::adOptionUnspecified);
+        rs.Open(QStringLiteral("select getdate()"), conn, adodb::adOpenKeyset,
+                adodb::adLockOptimistic, adodb::adOptionUnspecified);
         if (rs.RecordCount() > 0) {
             const QVariant v = rs.value(0);
             QDateTime d = v.toDateTime();

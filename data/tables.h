@@ -28,11 +28,10 @@ inline constexpr const char* printYSmx = "printYSmx";
 
 // Columns of cgk in the order of the entry form's fields 0..17 and the acceptance columns.
 inline constexpr const char* cgkColumns[] = {
-    "cgkid",   "bookfrom", "bookname", "author",   "zdcode",    "isbn",   "publisher",
-    "pubplace", "pubdate", "edition",  "pages",    "measure",   "classcode", "docclass",
-    "lagclass", "price",   "cgff",     "yddate",   "bookcount", "cgname", "status",
-    "batch",   "ysname",   "ysdate",   "ysprice",  "yscount",   "fpcode", "sjcode",
-    "ysjine",
+    "cgkid",   "bookfrom", "bookname",  "author",  "zdcode",    "isbn",     "publisher", "pubplace",
+    "pubdate", "edition",  "pages",     "measure", "classcode", "docclass", "lagclass",  "price",
+    "cgff",    "yddate",   "bookcount", "cgname",  "status",    "batch",    "ysname",    "ysdate",
+    "ysprice", "yscount",  "fpcode",    "sjcode",  "ysjine",
 };
 
 } // namespace tables

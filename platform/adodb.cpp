@@ -17,14 +17,17 @@ QString odbcDbmsName(const QSqlDatabase& db); // odbc.cpp
 
 namespace {
 
-[[noreturn]] void raiseAdo(int number) { throw vb::VbError(number, adoErrorText(number)); }
+[[noreturn]] void raiseAdo(int number) {
+    throw vb::VbError(number, adoErrorText(number));
+}
 
 // The provider's own text; Qt puts the driver's diagnostics in databaseText().
 [[noreturn]] void raiseProvider(const QSqlError& e) {
     QString text = e.databaseText();
     if (text.isEmpty()) text = e.driverText();
     if (text.isEmpty()) text = e.text();
-    throw vb::VbError(vb::errProvider, text, QStringLiteral("Microsoft OLE DB Provider for ODBC Drivers"));
+    throw vb::VbError(vb::errProvider, text,
+                      QStringLiteral("Microsoft OLE DB Provider for ODBC Drivers"));
 }
 
 // The SQLite3 ODBC driver reports the length of a column name in bytes of UTF-8, so a
@@ -50,7 +53,8 @@ bool isProviderItem(const QString& item) {
 QString adoErrorText(int number) {
     switch (number) {
     case adErrNoCurrentRecord:
-        return QStringLiteral("BOF 或 EOF 中有一个是“真”，或者当前的记录已被删除，所需的操作要求一个当前的记录。");
+        return QStringLiteral(
+            "BOF 或 EOF 中有一个是“真”，或者当前的记录已被删除，所需的操作要求一个当前的记录。");
     case adErrObjectClosed:
         return QStringLiteral("对象关闭时，不允许操作。");
     case adErrItemNotFound:
@@ -110,8 +114,9 @@ void Connection::Open(const QString& connectionString, const QString& userId,
     m_connStr = connectionString;
     const OdbcProfile p = parseProfile(connectionString);
     m_shaped = p.shaped;
-    QSqlDatabase db = QSqlDatabase::contains(m_name) ? QSqlDatabase::database(m_name, false)
-                                                     : QSqlDatabase::addDatabase(QStringLiteral("QODBC"), m_name);
+    QSqlDatabase db = QSqlDatabase::contains(m_name)
+                          ? QSqlDatabase::database(m_name, false)
+                          : QSqlDatabase::addDatabase(QStringLiteral("QODBC"), m_name);
     if (db.isOpen()) db.close();
     db.setDatabaseName(p.odbc);
     if (!userId.isEmpty()) db.setUserName(userId);
@@ -131,9 +136,13 @@ void Connection::Open(const QString& connectionString, const QString& userId,
         m_dbms = dbms.isEmpty() ? Dbms::Unknown : Dbms::Other;
 }
 
-bool Connection::isOpen() const { return m_open; }
+bool Connection::isOpen() const {
+    return m_open;
+}
 
-QSqlDatabase Connection::database() const { return QSqlDatabase::database(m_name, false); }
+QSqlDatabase Connection::database() const {
+    return QSqlDatabase::database(m_name, false);
+}
 
 QString Connection::adapt(const QString& sql) const {
     return m_dbms == Dbms::SQLite ? sqldialect::toSQLite(sql) : sql;
@@ -210,7 +219,8 @@ void Recordset::load(Connection& conn, const QString& sql, int cursorType) {
 
 void Recordset::loadShaped(Connection& conn, const QString& sql, int cursorType) {
     static const QRegularExpression re(
-        QStringLiteral(R"(^\s*SHAPE\s*\{(.*)\}\s*AS\s+(\w+)\s+COMPUTE\s+(\w+)\s+BY\s+'?([\w\[\]]+)'?\s*$)"),
+        QStringLiteral(
+            R"(^\s*SHAPE\s*\{(.*)\}\s*AS\s+(\w+)\s+COMPUTE\s+(\w+)\s+BY\s+'?([\w\[\]]+)'?\s*$)"),
         QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
     const auto m = re.match(sql);
     if (!m.hasMatch() || m.captured(2).compare(m.captured(3), Qt::CaseInsensitive) != 0) {
@@ -260,9 +270,8 @@ void Recordset::Open(const QString& source, Connection& activeConnection, int cu
         load(activeConnection, source, cursorType);
 }
 
-std::unique_ptr<Recordset> Recordset::fromRows(QStringList names,
-                                               std::vector<std::vector<QVariant>> rows,
-                                               int cursorType) {
+std::unique_ptr<Recordset>
+Recordset::fromRows(QStringList names, std::vector<std::vector<QVariant>> rows, int cursorType) {
     auto rs = std::make_unique<Recordset>();
     rs->m_names = std::move(names);
     rs->m_rows = std::move(rows);
@@ -338,8 +347,12 @@ QVariant Recordset::value(const QString& name) const {
     return value(i);
 }
 
-QString Recordset::text(int index) const { return vb::CStr(value(index)); }
-QString Recordset::text(const QString& name) const { return vb::CStr(value(name)); }
+QString Recordset::text(int index) const {
+    return vb::CStr(value(index));
+}
+QString Recordset::text(const QString& name) const {
+    return vb::CStr(value(name));
+}
 
 Recordset* Recordset::child(const QString& chapterName) const {
     if (m_chapterName.isEmpty() || chapterName.compare(m_chapterName, Qt::CaseInsensitive) != 0)

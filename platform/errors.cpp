@@ -31,8 +31,12 @@ QString runtimeErrorText(int number) {
     }
 }
 
-void raise(int number) { throw VbError(number, runtimeErrorText(number)); }
-void raise(int number, const QString& description) { throw VbError(number, description); }
+void raise(int number) {
+    throw VbError(number, runtimeErrorText(number));
+}
+void raise(int number, const QString& description) {
+    throw VbError(number, description);
+}
 
 ErrObject& Err() {
     static ErrObject err;
@@ -92,7 +96,11 @@ EndHook setEndHook(EndHook h) {
     return previous;
 }
 
-int endCount() { return counter(); }
-void resetEndCount() { counter() = 0; }
+int endCount() {
+    return counter();
+}
+void resetEndCount() {
+    counter() = 0;
+}
 
 } // namespace App

@@ -2,7 +2,8 @@
 // The three error patterns of the handlers, and the one way the process ends.
 //
 //  1. resume next:   vb::resume([&] { ... });  then test vb::Err().Number
-//  2. trap at end:   try { ... } catch (const vb::VbError& e) { MsgBox(text + "\r\n" + e.description(), ...); }
+//  2. trap at end:   try { ... } catch (const vb::VbError& e) { MsgBox(text + "\r\n" +
+//  e.description(), ...); }
 //  3. no handling:   let it leave the handler; App::notify shows the runtime box and ends.
 
 #include <QString>

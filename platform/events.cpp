@@ -94,10 +94,14 @@ namespace {
 // One filter per widget carrying the handlers that were attached to it.
 class EventHub : public QObject {
 public:
-    explicit EventHub(QWidget* w) : QObject(w) { w->installEventFilter(this); }
+    explicit EventHub(QWidget* w) : QObject(w) {
+        setObjectName(QStringLiteral("vb_eventhub"));
+        w->installEventFilter(this);
+    }
 
     static EventHub* of(QWidget* w) {
-        if (auto* h = w->findChild<EventHub*>(QString(), Qt::FindDirectChildrenOnly)) return h;
+        for (QObject* c : w->children())
+            if (auto* h = dynamic_cast<EventHub*>(c)) return h;
         return new EventHub(w);
     }
 
@@ -147,17 +151,27 @@ protected:
 
 } // namespace
 
-void onGotFocus(QWidget* w, FocusHandler h) { EventHub::of(w)->gotFocus.push_back(std::move(h)); }
-void onLostFocus(QWidget* w, FocusHandler h) { EventHub::of(w)->lostFocus.push_back(std::move(h)); }
-void onKeyDown(QWidget* w, KeyDownHandler h) { EventHub::of(w)->keyDown.push_back(std::move(h)); }
-void onKeyPress(QWidget* w, KeyPressHandler h) { EventHub::of(w)->keyPress.push_back(std::move(h)); }
+void onGotFocus(QWidget* w, FocusHandler h) {
+    EventHub::of(w)->gotFocus.push_back(std::move(h));
+}
+void onLostFocus(QWidget* w, FocusHandler h) {
+    EventHub::of(w)->lostFocus.push_back(std::move(h));
+}
+void onKeyDown(QWidget* w, KeyDownHandler h) {
+    EventHub::of(w)->keyDown.push_back(std::move(h));
+}
+void onKeyPress(QWidget* w, KeyPressHandler h) {
+    EventHub::of(w)->keyPress.push_back(std::move(h));
+}
 
 void selectAllOnFocus(QWidget* w) {
     onGotFocus(w, [w] {
         // After the mouse press that gave the focus has placed the cursor.
         QTimer::singleShot(0, w, [w] {
-            if (auto* le = qobject_cast<QLineEdit*>(w)) le->selectAll();
-            else if (auto* pe = qobject_cast<QPlainTextEdit*>(w)) pe->selectAll();
+            if (auto* le = qobject_cast<QLineEdit*>(w))
+                le->selectAll();
+            else if (auto* pe = qobject_cast<QPlainTextEdit*>(w))
+                pe->selectAll();
         });
         if (auto* le = qobject_cast<QLineEdit*>(w)) le->selectAll();
     });

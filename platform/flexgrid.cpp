@@ -119,7 +119,8 @@ void FlexGridModel::resize(int rows, int cols) {
     std::vector<QString> cells(static_cast<size_t>(rows) * static_cast<size_t>(cols));
     for (int r = 0; r < std::min(rows, m_rows); ++r)
         for (int c = 0; c < std::min(cols, m_cols); ++c)
-            cells[static_cast<size_t>(r * cols + c)] = std::move(m_cells[static_cast<size_t>(r * m_cols + c)]);
+            cells[static_cast<size_t>(r * cols + c)] =
+                std::move(m_cells[static_cast<size_t>(r * m_cols + c)]);
     m_cells = std::move(cells);
     if (cols != m_cols) m_cellAlign.clear();
     m_colAlign.resize(static_cast<size_t>(cols), flexAlignGeneral);
@@ -162,20 +163,26 @@ void FlexGridModel::insertRowAt(int row, const QStringList& texts) {
     m_cells.insert(m_cells.begin() + static_cast<long>(row) * m_cols, fresh.begin(), fresh.end());
     ++m_rows;
     m_cellAlign.clear();
-    if (row == 0) endResetModel();
-    else endInsertRows();
+    if (row == 0)
+        endResetModel();
+    else
+        endInsertRows();
 }
 
 void FlexGridModel::removeRowAt(int row) {
     if (row < 0 || row >= m_rows) vb::raise(errSubscript);
-    if (row == 0) beginResetModel();
-    else beginRemoveRows(QModelIndex(), row - 1, row - 1);
+    if (row == 0)
+        beginResetModel();
+    else
+        beginRemoveRows(QModelIndex(), row - 1, row - 1);
     const auto first = m_cells.begin() + static_cast<long>(row) * m_cols;
     m_cells.erase(first, first + m_cols);
     --m_rows;
     m_cellAlign.clear();
-    if (row == 0) endResetModel();
-    else endRemoveRows();
+    if (row == 0)
+        endResetModel();
+    else
+        endRemoveRows();
 }
 
 void FlexGridModel::resetData(int rows, int cols, std::vector<QString> cells) {
@@ -325,8 +332,12 @@ void FlexGrid::setTopRow(int r) {
     scrollTo(m_model->index(r - 1, 0), QAbstractItemView::PositionAtTop);
 }
 
-QString FlexGrid::TextMatrix(int row, int col) const { return m_model->text(row, col); }
-void FlexGrid::setTextMatrix(int row, int col, const QString& text) { m_model->setText(row, col, text); }
+QString FlexGrid::TextMatrix(int row, int col) const {
+    return m_model->text(row, col);
+}
+void FlexGrid::setTextMatrix(int row, int col, const QString& text) {
+    m_model->setText(row, col, text);
+}
 
 void FlexGrid::setFormatString(const QString& fmt) {
     m_formatString = fmt;
@@ -396,9 +407,15 @@ void FlexGrid::setRowHeight(int row, int tw) {
     QTableView::setRowHeight(row - 1, twips(tw));
 }
 
-void FlexGrid::setColAlignment(int col, int align) { m_model->setColAlignment(col, align); }
-int FlexGrid::ColAlignment(int col) const { return m_model->colAlignment(col); }
-void FlexGrid::setCellAlignment(int row, int col, int align) { m_model->setCellAlignment(row, col, align); }
+void FlexGrid::setColAlignment(int col, int align) {
+    m_model->setColAlignment(col, align);
+}
+int FlexGrid::ColAlignment(int col) const {
+    return m_model->colAlignment(col);
+}
+void FlexGrid::setCellAlignment(int row, int col, int align) {
+    m_model->setCellAlignment(row, col, align);
+}
 
 void FlexGrid::AddItem(const QString& tabbedTexts, int index) {
     const QStringList texts = tabbedTexts.split(u'\t');
@@ -463,10 +480,18 @@ QRect FlexGrid::cellRect(int row, int col) const {
     return QRect(x, y, w, QTableView::rowHeight(row - 1));
 }
 
-int FlexGrid::CellLeft() const { return toTwips(cellRect(m_row, m_col).x()); }
-int FlexGrid::CellTop() const { return toTwips(cellRect(m_row, m_col).y()); }
-int FlexGrid::CellWidth() const { return toTwips(cellRect(m_row, m_col).width()); }
-int FlexGrid::CellHeight() const { return toTwips(cellRect(m_row, m_col).height()); }
+int FlexGrid::CellLeft() const {
+    return toTwips(cellRect(m_row, m_col).x());
+}
+int FlexGrid::CellTop() const {
+    return toTwips(cellRect(m_row, m_col).y());
+}
+int FlexGrid::CellWidth() const {
+    return toTwips(cellRect(m_row, m_col).width());
+}
+int FlexGrid::CellHeight() const {
+    return toTwips(cellRect(m_row, m_col).height());
+}
 
 int FlexGrid::totalColWidth() const {
     int w = 0;
@@ -475,9 +500,13 @@ int FlexGrid::totalColWidth() const {
     return toTwips(w);
 }
 
-int FlexGrid::clientWidth() const { return toTwips(viewport()->width()); }
+int FlexGrid::clientWidth() const {
+    return toTwips(viewport()->width());
+}
 
-bool FlexGrid::verticalScrollVisible() const { return verticalScrollBar()->isVisible(); }
+bool FlexGrid::verticalScrollVisible() const {
+    return verticalScrollBar()->isVisible();
+}
 
 namespace {
 int buttonOf(Qt::MouseButton b) {
@@ -493,10 +522,12 @@ int buttonOf(Qt::MouseButton b) {
     }
 }
 int buttonsOf(Qt::MouseButtons b) {
-    return (b & Qt::LeftButton ? 1 : 0) | (b & Qt::RightButton ? 2 : 0) | (b & Qt::MiddleButton ? 4 : 0);
+    return (b & Qt::LeftButton ? 1 : 0) | (b & Qt::RightButton ? 2 : 0) |
+           (b & Qt::MiddleButton ? 4 : 0);
 }
 int shiftOfMods(Qt::KeyboardModifiers m) {
-    return (m & Qt::ShiftModifier ? 1 : 0) | (m & Qt::ControlModifier ? 2 : 0) | (m & Qt::AltModifier ? 4 : 0);
+    return (m & Qt::ShiftModifier ? 1 : 0) | (m & Qt::ControlModifier ? 2 : 0) |
+           (m & Qt::AltModifier ? 4 : 0);
 }
 } // namespace
 
@@ -560,12 +591,14 @@ void FlexGrid::mousePressEvent(QMouseEvent* e) {
     }
     setFocus(Qt::MouseFocusReason);
     const QPoint g = mapFromGlobal(e->globalPosition().toPoint());
-    Q_EMIT MouseDown(buttonOf(e->button()), shiftOfMods(e->modifiers()), toTwips(g.x()), toTwips(g.y()));
+    Q_EMIT MouseDown(buttonOf(e->button()), shiftOfMods(e->modifiers()), toTwips(g.x()),
+                     toTwips(g.y()));
 }
 
 void FlexGrid::mouseReleaseEvent(QMouseEvent* e) {
     const QPoint g = mapFromGlobal(e->globalPosition().toPoint());
-    Q_EMIT MouseUp(buttonOf(e->button()), shiftOfMods(e->modifiers()), toTwips(g.x()), toTwips(g.y()));
+    Q_EMIT MouseUp(buttonOf(e->button()), shiftOfMods(e->modifiers()), toTwips(g.x()),
+                   toTwips(g.y()));
     if (e->button() == Qt::LeftButton) Q_EMIT Click();
 }
 
@@ -583,7 +616,8 @@ void FlexGrid::mouseMoveEvent(QMouseEvent* e) {
             syncSelection();
         }
     }
-    Q_EMIT MouseMove(buttonsOf(e->buttons()), shiftOfMods(e->modifiers()), toTwips(g.x()), toTwips(g.y()));
+    Q_EMIT MouseMove(buttonsOf(e->buttons()), shiftOfMods(e->modifiers()), toTwips(g.x()),
+                     toTwips(g.y()));
 }
 
 void FlexGrid::focusInEvent(QFocusEvent* e) {

@@ -12,7 +12,9 @@
 
 namespace vb {
 
-QString ctlName(const QString& base, int index) { return base + u'_' + QString::number(index); }
+QString ctlName(const QString& base, int index) {
+    return base + u'_' + QString::number(index);
+}
 
 namespace {
 QPointer<QMdiArea>& mdiAreaStore() {
@@ -25,12 +27,18 @@ Form::Form(const QString& name) : m_name(name) {}
 
 Form::~Form() {
     endModal();
-    if (m_sub) delete m_sub.data();
-    else if (m_window) delete m_window.data();
+    if (m_sub)
+        delete m_sub.data();
+    else if (m_window)
+        delete m_window.data();
 }
 
-void Form::setMdiArea(QMdiArea* area) { mdiAreaStore() = area; }
-QMdiArea* Form::mdiArea() { return mdiAreaStore().data(); }
+void Form::setMdiArea(QMdiArea* area) {
+    mdiAreaStore() = area;
+}
+QMdiArea* Form::mdiArea() {
+    return mdiAreaStore().data();
+}
 
 QWidget* Form::window() {
     if (!isLoaded()) Load();
@@ -140,21 +148,37 @@ void Form::endModal() {
     if (m_modalLoop) m_modalLoop->exit(0);
 }
 
-void Form::quitModal() { endModal(); }
+void Form::quitModal() {
+    endModal();
+}
 
-QString Form::caption() const { return m_window ? m_window->windowTitle() : QString(); }
+QString Form::caption() const {
+    return m_window ? m_window->windowTitle() : QString();
+}
 
 void Form::setCaption(const QString& text) {
     window()->setWindowTitle(text);
     if (m_sub) m_sub->setWindowTitle(text);
 }
 
-int Form::Left() const { return m_window ? toTwips(frameWidget()->x()) : 0; }
-int Form::Top() const { return m_window ? toTwips(frameWidget()->y()) : 0; }
-int Form::Width() const { return m_window ? toTwips(frameWidget()->frameGeometry().width()) : 0; }
-int Form::Height() const { return m_window ? toTwips(frameWidget()->frameGeometry().height()) : 0; }
-int Form::ScaleWidth() const { return m_window ? toTwips(m_window->width()) : 0; }
-int Form::ScaleHeight() const { return m_window ? toTwips(m_window->height()) : 0; }
+int Form::Left() const {
+    return m_window ? toTwips(frameWidget()->x()) : 0;
+}
+int Form::Top() const {
+    return m_window ? toTwips(frameWidget()->y()) : 0;
+}
+int Form::Width() const {
+    return m_window ? toTwips(frameWidget()->frameGeometry().width()) : 0;
+}
+int Form::Height() const {
+    return m_window ? toTwips(frameWidget()->frameGeometry().height()) : 0;
+}
+int Form::ScaleWidth() const {
+    return m_window ? toTwips(m_window->width()) : 0;
+}
+int Form::ScaleHeight() const {
+    return m_window ? toTwips(m_window->height()) : 0;
+}
 
 void Form::Move(int left, int top) {
     QWidget* f = window() ? frameWidget() : nullptr;
@@ -206,11 +230,13 @@ bool Form::eventFilter(QObject* watched, QEvent* event) {
     if (m_keyPreview && event->type() == QEvent::KeyPress && m_window && watched->isWidgetType()) {
         auto* target = static_cast<QWidget*>(watched);
         auto* ke = static_cast<QKeyEvent*>(event);
-        // An unhandled key travels up to the parents; the form sees it once.
-        const bool seen = event == m_lastPreviewed && ke->timestamp() == m_lastPreviewedStamp;
-        if (!seen && (target == m_window || m_window->isAncestorOf(target))) {
+        // An unhandled key travels up to the parents of its first target: the form sees it
+        // once, at that first target.
+        const bool propagated = event == m_lastPreviewed && m_lastTarget &&
+                                target != m_lastTarget && target->isAncestorOf(m_lastTarget);
+        if (!propagated && (target == m_window || m_window->isAncestorOf(target))) {
             m_lastPreviewed = event;
-            m_lastPreviewedStamp = ke->timestamp();
+            m_lastTarget = target;
             if (previewKeyDown(ke)) return true;
             if (!ke->text().isEmpty() && previewKeyPress(ke)) return true;
         }

@@ -29,8 +29,12 @@ class QKeyEvent;
 namespace vb {
 
 // 15 twips to a pixel at 96 dpi.
-constexpr int twips(int t) { return t / 15; }
-constexpr int toTwips(int px) { return px * 15; }
+constexpr int twips(int t) {
+    return t / 15;
+}
+constexpr int toTwips(int px) {
+    return px * 15;
+}
 
 // Unload modes handed to queryUnload.
 enum UnloadMode : int {
@@ -83,7 +87,9 @@ public:
         if (!w) missingControl(objectName);
         return w;
     }
-    template <class T> T* ctl(const QString& base, int index) { return ctl<T>(ctlName(base, index)); }
+    template <class T> T* ctl(const QString& base, int index) {
+        return ctl<T>(ctlName(base, index));
+    }
     // Like ctl<T>() but nullptr when absent (reaching controls by name at run time).
     QWidget* findControl(const QString& objectName);
 
@@ -123,7 +129,7 @@ private:
     QEventLoop* m_modalLoop = nullptr;
     bool m_keyPreview = false;
     const QEvent* m_lastPreviewed = nullptr;
-    quint64 m_lastPreviewedStamp = 0;
+    QPointer<QWidget> m_lastTarget;
     bool m_unloading = false;
 };
 
@@ -149,6 +155,8 @@ private:
     static std::map<std::type_index, std::unique_ptr<Form>>& slots();
 };
 
-template <class F> F& form() { return FormRegistry::get<F>(); }
+template <class F> F& form() {
+    return FormRegistry::get<F>();
+}
 
 } // namespace vb

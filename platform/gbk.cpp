@@ -109,7 +109,9 @@ QString decode(const char* data, qsizetype size) {
     return out;
 }
 
-QString decode(const QByteArray& bytes) { return decode(bytes.constData(), bytes.size()); }
+QString decode(const QByteArray& bytes) {
+    return decode(bytes.constData(), bytes.size());
+}
 
 qsizetype byteLength(const QString& s) {
     qsizetype n = 0;

@@ -63,7 +63,9 @@ void MaskEdBox::setPromptChar(QChar c) {
     setTextVb(keep);
 }
 
-QString MaskEdBox::Text() const { return m_mask.isEmpty() ? text() : displayText(); }
+QString MaskEdBox::Text() const {
+    return m_mask.isEmpty() ? text() : displayText();
+}
 
 void MaskEdBox::setTextVb(const QString& t) {
     if (m_mask.isEmpty()) {

@@ -86,8 +86,12 @@ std::shared_ptr<MsgBoxProvider>& provider() {
 
 } // namespace
 
-QString appTitle() { return titleStore(); }
-void setAppTitle(const QString& title) { titleStore() = title; }
+QString appTitle() {
+    return titleStore();
+}
+void setAppTitle(const QString& title) {
+    titleStore() = title;
+}
 
 int MsgBox(const QString& prompt, int flags, const QString& title) {
     MsgBoxCall call{prompt, flags, title.isNull() ? appTitle() : title};
@@ -132,6 +136,8 @@ ScopedScriptedMsgBox::ScopedScriptedMsgBox() : m_box(std::make_shared<ScriptedMs
     m_previous = setMsgBoxProvider(m_box);
 }
 
-ScopedScriptedMsgBox::~ScopedScriptedMsgBox() { setMsgBoxProvider(m_previous); }
+ScopedScriptedMsgBox::~ScopedScriptedMsgBox() {
+    setMsgBoxProvider(m_previous);
+}
 
 } // namespace vb

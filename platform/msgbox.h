@@ -65,9 +65,7 @@ class ScriptedMsgBox : public MsgBoxProvider {
 public:
     int show(const MsgBoxCall& call) override;
     void answer(int result) { m_answers.push_back(result); }
-    void answer(std::initializer_list<int> results) {
-        m_answers.insert(m_answers.end(), results);
-    }
+    void answer(std::initializer_list<int> results) { m_answers.insert(m_answers.end(), results); }
     const std::vector<MsgBoxCall>& calls() const { return m_calls; }
     QStringList prompts() const;
     const MsgBoxCall& last() const { return m_calls.back(); }

@@ -18,8 +18,8 @@ std::vector<DataSource> dataSources() {
     SQLCHAR desc[512];
     SQLSMALLINT nameLen = 0, descLen = 0;
     SQLUSMALLINT dir = SQL_FETCH_FIRST;
-    while (SQL_SUCCEEDED(SQLDataSources(env, dir, name, sizeof name, &nameLen, desc, sizeof desc,
-                                        &descLen))) {
+    while (SQL_SUCCEEDED(
+        SQLDataSources(env, dir, name, sizeof name, &nameLen, desc, sizeof desc, &descLen))) {
         out.push_back({QString::fromLocal8Bit(reinterpret_cast<const char*>(name), nameLen),
                        QString::fromLocal8Bit(reinterpret_cast<const char*>(desc), descLen)});
         dir = SQL_FETCH_NEXT;
@@ -33,7 +33,8 @@ QString odbcDbmsName(const QSqlDatabase& db) {
     const QVariant h = db.driver()->handle();
     // Qt hands the connection handle over as a SQLHANDLE, which the meta-type system
     // knows as void*.
-    if (!h.isValid() || (qstrcmp(h.typeName(), "SQLHANDLE") != 0 && qstrcmp(h.typeName(), "void*") != 0))
+    if (!h.isValid() ||
+        (qstrcmp(h.typeName(), "SQLHANDLE") != 0 && qstrcmp(h.typeName(), "void*") != 0))
         return QString();
     SQLHANDLE hdbc = *static_cast<const SQLHANDLE*>(h.constData());
     if (!hdbc) return QString();

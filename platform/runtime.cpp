@@ -61,20 +61,28 @@ void DeleteSetting(const QString& appName, const QString& section, const QString
     s->sync();
 }
 
-void setSettingsPath(const QString& dir) { settingsDir() = dir; }
+void setSettingsPath(const QString& dir) {
+    settingsDir() = dir;
+}
+
+QString instanceLockPath(const QString& key) {
+    QString dir = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (dir.isEmpty()) dir = QDir::tempPath();
+    return dir + u'/' + key + QStringLiteral(".lock");
+}
 
 bool PrevInstance(const QString& key) {
     if (instanceLock()) return false; // this process holds it already
-    QString dir = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    if (dir.isEmpty()) dir = QDir::tempPath();
-    auto lock = std::make_unique<QLockFile>(dir + u'/' + key + QStringLiteral(".lock"));
+    auto lock = std::make_unique<QLockFile>(instanceLockPath(key));
     lock->setStaleLockTime(0); // only a live process holds it; a crashed one's lock is stale
     if (!lock->tryLock(0)) return true;
     instanceLock() = std::move(lock);
     return false;
 }
 
-void releaseInstanceLock() { instanceLock().reset(); }
+void releaseInstanceLock() {
+    instanceLock().reset();
+}
 
 QString AppPath() {
     QString p = QCoreApplication::applicationDirPath();
@@ -85,8 +93,8 @@ QString AppPath() {
 void sendTab() {
     // SendKeys puts the key in the queue: it takes effect after the running handler.
     if (QWidget* w = QApplication::focusWidget())
-        QCoreApplication::postEvent(w, new QKeyEvent(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier,
-                                                     QStringLiteral("\t")));
+        QCoreApplication::postEvent(
+            w, new QKeyEvent(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier, QStringLiteral("\t")));
 }
 
 } // namespace vb

@@ -24,6 +24,7 @@ void setSettingsPath(const QString& dir);
 // The first call takes the lock for this process (kept until it ends). `key` names the
 // program; tests use their own key.
 bool PrevInstance(const QString& key = QStringLiteral("OrvaneCG"));
+QString instanceLockPath(const QString& key);
 void releaseInstanceLock();
 
 // App.Path: the folder of the executable, without a trailing separator.

@@ -72,18 +72,18 @@ std::vector<Token> tokenize(const QString& s) {
 
 bool isBoundaryWord(const QString& w) {
     static const QSet<QString> words = {
-        QStringLiteral("select"), QStringLiteral("from"),    QStringLiteral("where"),
-        QStringLiteral("and"),    QStringLiteral("or"),      QStringLiteral("as"),
-        QStringLiteral("on"),     QStringLiteral("by"),      QStringLiteral("order"),
-        QStringLiteral("group"),  QStringLiteral("having"),  QStringLiteral("like"),
-        QStringLiteral("not"),    QStringLiteral("in"),      QStringLiteral("is"),
-        QStringLiteral("between"), QStringLiteral("set"),    QStringLiteral("values"),
-        QStringLiteral("when"),   QStringLiteral("then"),    QStringLiteral("else"),
-        QStringLiteral("end"),    QStringLiteral("case"),    QStringLiteral("union"),
-        QStringLiteral("join"),   QStringLiteral("left"),    QStringLiteral("inner"),
-        QStringLiteral("into"),   QStringLiteral("distinct"), QStringLiteral("top"),
-        QStringLiteral("asc"),    QStringLiteral("desc"),    QStringLiteral("insert"),
-        QStringLiteral("update"), QStringLiteral("delete"),  QStringLiteral("all"),
+        QStringLiteral("select"),  QStringLiteral("from"),     QStringLiteral("where"),
+        QStringLiteral("and"),     QStringLiteral("or"),       QStringLiteral("as"),
+        QStringLiteral("on"),      QStringLiteral("by"),       QStringLiteral("order"),
+        QStringLiteral("group"),   QStringLiteral("having"),   QStringLiteral("like"),
+        QStringLiteral("not"),     QStringLiteral("in"),       QStringLiteral("is"),
+        QStringLiteral("between"), QStringLiteral("set"),      QStringLiteral("values"),
+        QStringLiteral("when"),    QStringLiteral("then"),     QStringLiteral("else"),
+        QStringLiteral("end"),     QStringLiteral("case"),     QStringLiteral("union"),
+        QStringLiteral("join"),    QStringLiteral("left"),     QStringLiteral("inner"),
+        QStringLiteral("into"),    QStringLiteral("distinct"), QStringLiteral("top"),
+        QStringLiteral("asc"),     QStringLiteral("desc"),     QStringLiteral("insert"),
+        QStringLiteral("update"),  QStringLiteral("delete"),   QStringLiteral("all"),
     };
     return words.contains(w.toLower());
 }
@@ -109,9 +109,11 @@ QString toSQLite(const QString& sql) {
     // left( -> vb_left(
     for (qsizetype i = 0; i < n; ++i) {
         auto& tok = t[static_cast<size_t>(i)];
-        if (tok.kind == Kind::Word && tok.text.compare(QStringLiteral("left"), Qt::CaseInsensitive) == 0) {
+        if (tok.kind == Kind::Word &&
+            tok.text.compare(QStringLiteral("left"), Qt::CaseInsensitive) == 0) {
             const qsizetype j = nextSolid(t, i);
-            if (j >= 0 && t[static_cast<size_t>(j)].kind == Kind::LParen) tok.text = QStringLiteral("vb_left");
+            if (j >= 0 && t[static_cast<size_t>(j)].kind == Kind::LParen)
+                tok.text = QStringLiteral("vb_left");
         }
     }
 
@@ -166,16 +168,20 @@ QString toSQLite(const QString& sql) {
     {
         qsizetype i = nextSolid(t, -1);
         if (i >= 0 && t[static_cast<size_t>(i)].kind == Kind::Word &&
-            t[static_cast<size_t>(i)].text.compare(QStringLiteral("select"), Qt::CaseInsensitive) == 0) {
+            t[static_cast<size_t>(i)].text.compare(QStringLiteral("select"), Qt::CaseInsensitive) ==
+                0) {
             qsizetype j = nextSolid(t, i);
-            if (j >= 0 && t[static_cast<size_t>(j)].text.compare(QStringLiteral("distinct"), Qt::CaseInsensitive) == 0)
+            if (j >= 0 && t[static_cast<size_t>(j)].text.compare(QStringLiteral("distinct"),
+                                                                 Qt::CaseInsensitive) == 0)
                 j = nextSolid(t, j);
-            if (j >= 0 && t[static_cast<size_t>(j)].text.compare(QStringLiteral("top"), Qt::CaseInsensitive) == 0) {
+            if (j >= 0 && t[static_cast<size_t>(j)].text.compare(QStringLiteral("top"),
+                                                                 Qt::CaseInsensitive) == 0) {
                 const qsizetype k = nextSolid(t, j);
                 if (k >= 0 && t[static_cast<size_t>(k)].kind == Kind::Number) {
                     limit = t[static_cast<size_t>(k)].text;
-                    t[static_cast<size_t>(j)].text.clear();
-                    t[static_cast<size_t>(k)].text.clear();
+                    for (qsizetype x = j; x <= k + 1 && x < n; ++x)
+                        if (x == j || x == k || t[static_cast<size_t>(x)].kind == Kind::Space)
+                            t[static_cast<size_t>(x)].text.clear();
                 }
             }
         }

@@ -23,10 +23,18 @@ QString RTrim(const QString& s) {
     return s.left(n);
 }
 
-QString Trim(const QString& s) { return LTrim(RTrim(s)); }
-QString UCase(const QString& s) { return s.toUpper(); }
-QString LCase(const QString& s) { return s.toLower(); }
-int Len(const QString& s) { return static_cast<int>(s.size()); }
+QString Trim(const QString& s) {
+    return LTrim(RTrim(s));
+}
+QString UCase(const QString& s) {
+    return s.toUpper();
+}
+QString LCase(const QString& s) {
+    return s.toLower();
+}
+int Len(const QString& s) {
+    return static_cast<int>(s.size());
+}
 
 int InStr(int start, const QString& hay, const QString& needle) {
     if (start < 1) raise(errInvalidCall);
@@ -36,7 +44,9 @@ int InStr(int start, const QString& hay, const QString& needle) {
     return i < 0 ? 0 : static_cast<int>(i + 1);
 }
 
-int InStr(const QString& hay, const QString& needle) { return InStr(1, hay, needle); }
+int InStr(const QString& hay, const QString& needle) {
+    return InStr(1, hay, needle);
+}
 
 int InStrRev(const QString& hay, const QString& needle) {
     if (needle.isEmpty()) return static_cast<int>(hay.size());
@@ -76,18 +86,26 @@ QString Replace(const QString& s, const QString& find, const QString& with) {
     return r.replace(find, with, Qt::CaseSensitive);
 }
 
-QString Space(int n) { return QString(std::max(0, n), u' '); }
-QString Chr(int code) { return QString(QChar(static_cast<char16_t>(code))); }
+QString Space(int n) {
+    return QString(std::max(0, n), u' ');
+}
+QString Chr(int code) {
+    return QString(QChar(static_cast<char16_t>(code)));
+}
 
 // ---- numbers ---------------------------------------------------------------------------
 
 namespace {
 
-bool isDigit(QChar c) { return c >= u'0' && c <= u'9'; }
+bool isDigit(QChar c) {
+    return c >= u'0' && c <= u'9';
+}
 bool isHexDigit(QChar c) {
     return isDigit(c) || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
 }
-bool isOctDigit(QChar c) { return c >= u'0' && c <= u'7'; }
+bool isOctDigit(QChar c) {
+    return c >= u'0' && c <= u'7';
+}
 
 // The body of a decimal number: digits with commas in the integer part, a point, an
 // exponent. Returns true when the whole of s[i..] is such a number.
@@ -338,14 +356,16 @@ std::optional<QDateTime> CDate(const QString& text) {
         d = QDate(v[0], v[1], v[2]); // y-m-d
     } else {
         const int y = fullYear(v[2], w[2]);
-        d = QDate(y, v[0], v[1]); // m/d/y
+        d = QDate(y, v[0], v[1]);                   // m/d/y
         if (!d.isValid()) d = QDate(y, v[1], v[0]); // d/m/y when m/d/y cannot be
     }
     if (!d.isValid()) return std::nullopt;
     return QDateTime(d, time);
 }
 
-bool IsDate(const QString& s) { return CDate(s).has_value(); }
+bool IsDate(const QString& s) {
+    return CDate(s).has_value();
+}
 
 QString Format(const QDateTime& d, const QString& pattern) {
     static const char16_t* const longDays[] = {u"星期一", u"星期二", u"星期三", u"星期四",
@@ -428,7 +448,8 @@ QString Format(const QVariant& v, const QString& pattern) {
     if (datePattern) {
         if (auto d = CDate(s)) return Format(*d, pattern);
         // Date texts with a fraction of a second, as the server gives them.
-        const QDateTime iso = QDateTime::fromString(s.left(19), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+        const QDateTime iso =
+            QDateTime::fromString(s.left(19), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
         if (iso.isValid()) return Format(iso, pattern);
         return s;
     }
@@ -439,7 +460,9 @@ QString Format(const QVariant& v, const QString& pattern) {
 // ---- 16-bit conversions ----------------------------------------------------------------
 
 namespace {
-double roundEven(double d) { return std::nearbyint(d); } // FE_TONEAREST: half to even
+double roundEven(double d) {
+    return std::nearbyint(d);
+} // FE_TONEAREST: half to even
 } // namespace
 
 int16_t CInt(double d) {

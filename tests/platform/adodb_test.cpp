@@ -17,16 +17,19 @@ protected:
     void SetUp() override {
         DbTest::SetUp();
         makeEmptyDatabase();
-        execSqlite(dbPath(), QStringLiteral(
-            "CREATE TABLE cgk (cgkid INTEGER PRIMARY KEY, bookname TEXT COLLATE VBTEXT, "
-            "author TEXT COLLATE VBTEXT, price REAL, batch TEXT COLLATE VBTEXT, "
-            "status INTEGER DEFAULT 0, yddate DATETIME, classcode TEXT COLLATE VBTEXT);"
-            "CREATE TRIGGER cgk_yddate_i AFTER INSERT ON cgk WHEN NEW.yddate IS NOT vb_normdate(NEW.yddate) "
-            "BEGIN UPDATE cgk SET yddate=vb_normdate(NEW.yddate) WHERE rowid=NEW.rowid; END;"
-            "CREATE TABLE LibUse (userid INTEGER PRIMARY KEY, username TEXT COLLATE VBTEXT, "
-            "password TEXT COLLATE VBTEXT, cgk BIT);"
-            "INSERT INTO LibUse VALUES (1,'admin','admin',1),(2,'guest','guest',NULL);"
-            "CREATE TABLE printYStotal (batch TEXT, bookfrom TEXT, jine REAL);"));
+        execSqlite(
+            dbPath(),
+            QStringLiteral(
+                "CREATE TABLE cgk (cgkid INTEGER PRIMARY KEY, bookname TEXT COLLATE VBTEXT, "
+                "author TEXT COLLATE VBTEXT, price REAL, batch TEXT COLLATE VBTEXT, "
+                "status INTEGER DEFAULT 0, yddate DATETIME, classcode TEXT COLLATE VBTEXT);"
+                "CREATE TRIGGER cgk_yddate_i AFTER INSERT ON cgk WHEN NEW.yddate IS NOT "
+                "vb_normdate(NEW.yddate) "
+                "BEGIN UPDATE cgk SET yddate=vb_normdate(NEW.yddate) WHERE rowid=NEW.rowid; END;"
+                "CREATE TABLE LibUse (userid INTEGER PRIMARY KEY, username TEXT COLLATE VBTEXT, "
+                "password TEXT COLLATE VBTEXT, cgk BIT);"
+                "INSERT INTO LibUse VALUES (1,'admin','admin',1),(2,'guest','guest',NULL);"
+                "CREATE TABLE printYStotal (batch TEXT, bookfrom TEXT, jine REAL);"));
     }
 
     void exec(const QString& sql, long* affected = nullptr) {
@@ -37,14 +40,16 @@ protected:
 };
 
 TEST_F(AdodbTest, ChineseTextBracketAliasesAndDoubledQuotesRoundTrip) {
-    exec(QStringLiteral("Insert Into cgk (cgkid,bookname,author,price) Values (1,'红楼梦 O''Neil','曹雪芹',12.5)"));
+    exec(QStringLiteral(
+        "Insert Into cgk (cgkid,bookname,author,price) Values (1,'红楼梦 O''Neil','曹雪芹',12.5)"));
     EXPECT_EQ(querySqlite(dbPath(), QStringLiteral("select bookname from cgk")),
               QStringLiteral("红楼梦 O'Neil"));
 
     Connection conn;
     conn.Open(profile());
     Recordset rs;
-    rs.Open(QStringLiteral("Select bookname as [书   名],author as [著 者],price as [预定价格] From CGK Where cgkID=1"),
+    rs.Open(QStringLiteral("Select bookname as [书   名],author as [著 者],price as [预定价格] "
+                           "From CGK Where cgkID=1"),
             conn, adOpenDynamic, adLockOptimistic, adCmdText);
     ASSERT_FALSE(rs.EOF_());
     EXPECT_EQ(rs.fieldName(0), QStringLiteral("书   名"));
@@ -61,7 +66,9 @@ TEST_F(AdodbTest, RecordsAffectedOfWritesAndInsertSelect) {
     EXPECT_EQ(n, 1);
     exec(QStringLiteral("Insert Into cgk (cgkid,bookname,batch) Values (2,'b','1')"));
     exec(QStringLiteral("Insert Into cgk (cgkid,bookname,batch) Values (3,'c','2')"));
-    exec(QStringLiteral("Insert Into printYStotal (batch,bookfrom) Select batch,bookname From cgk Where batch='1'"), &n);
+    exec(QStringLiteral("Insert Into printYStotal (batch,bookfrom) Select batch,bookname From cgk "
+                        "Where batch='1'"),
+         &n);
     EXPECT_EQ(n, 2);
     exec(QStringLiteral("Update cgk Set price=1 Where cgkid>0"), &n);
     EXPECT_EQ(n, 3);
@@ -78,7 +85,8 @@ TEST_F(AdodbTest, RollbackLeavesNothingBehindCommitKeepsIt) {
         conn.Execute(QStringLiteral("Update cgk Set bookname='b' Where cgkid=1"));
         conn.RollbackTrans();
     }
-    EXPECT_EQ(querySqlite(dbPath(), QStringLiteral("select count(*) from cgk")), QStringLiteral("0"));
+    EXPECT_EQ(querySqlite(dbPath(), QStringLiteral("select count(*) from cgk")),
+              QStringLiteral("0"));
     {
         Connection conn;
         conn.Open(profile());
@@ -86,7 +94,8 @@ TEST_F(AdodbTest, RollbackLeavesNothingBehindCommitKeepsIt) {
         conn.Execute(QStringLiteral("Insert Into cgk (cgkid,bookname) Values (2,'c')"));
         conn.CommitTrans();
     }
-    EXPECT_EQ(querySqlite(dbPath(), QStringLiteral("select bookname from cgk")), QStringLiteral("c"));
+    EXPECT_EQ(querySqlite(dbPath(), QStringLiteral("select bookname from cgk")),
+              QStringLiteral("c"));
 }
 
 TEST_F(AdodbTest, WalkingOnePlacePastEitherEndAndBack) {
@@ -95,7 +104,8 @@ TEST_F(AdodbTest, WalkingOnePlacePastEitherEndAndBack) {
     Connection conn;
     conn.Open(profile());
     Recordset rs;
-    rs.Open(QStringLiteral("Select cgkid From cgk Order by cgkid"), conn, adOpenDynamic, adLockOptimistic, adCmdText);
+    rs.Open(QStringLiteral("Select cgkid From cgk Order by cgkid"), conn, adOpenDynamic,
+            adLockOptimistic, adCmdText);
     EXPECT_FALSE(rs.BOF());
     EXPECT_EQ(rs.value(0).toInt(), 1);
     rs.MoveNext();
@@ -124,7 +134,8 @@ TEST_F(AdodbTest, WalkingOnePlacePastEitherEndAndBack) {
     // Dynamic cursors cannot count; keyset ones can.
     EXPECT_EQ(rs.RecordCount(), -1);
     Recordset keyset;
-    keyset.Open(QStringLiteral("Select cgkid From cgk"), conn, adOpenKeyset, adLockOptimistic, adOptionUnspecified);
+    keyset.Open(QStringLiteral("Select cgkid From cgk"), conn, adOpenKeyset, adLockOptimistic,
+                adOptionUnspecified);
     EXPECT_EQ(keyset.RecordCount(), 2);
 }
 
@@ -132,7 +143,8 @@ TEST_F(AdodbTest, EmptyResultIsBofAndEofAtOnce) {
     Connection conn;
     conn.Open(profile());
     Recordset rs;
-    rs.Open(QStringLiteral("Select cgkid From cgk"), conn, adOpenKeyset, adLockOptimistic, adOptionUnspecified);
+    rs.Open(QStringLiteral("Select cgkid From cgk"), conn, adOpenKeyset, adLockOptimistic,
+            adOptionUnspecified);
     EXPECT_TRUE(rs.BOF());
     EXPECT_TRUE(rs.EOF_());
     EXPECT_EQ(rs.RecordCount(), 0);
@@ -158,19 +170,24 @@ TEST_F(AdodbTest, NullFieldsAndFieldsByNameAnyCase) {
 }
 
 TEST_F(AdodbTest, SqlServerDialectRunsOnSqlite) {
-    exec(QStringLiteral("Insert Into cgk (cgkid,bookname,batch,yddate,classcode) Values (1,'a','12','2003/1/1','TP312')"));
-    exec(QStringLiteral("Insert Into cgk (cgkid,bookname,batch,yddate) Values (2,'b','3','2003-01-31 10:00')"));
-    exec(QStringLiteral("Insert Into cgk (cgkid,bookname,batch,yddate) Values (3,'c','4','2003-1-31')"));
+    exec(QStringLiteral("Insert Into cgk (cgkid,bookname,batch,yddate,classcode) Values "
+                        "(1,'a','12','2003/1/1','TP312')"));
+    exec(QStringLiteral(
+        "Insert Into cgk (cgkid,bookname,batch,yddate) Values (2,'b','3','2003-01-31 10:00')"));
+    exec(QStringLiteral(
+        "Insert Into cgk (cgkid,bookname,batch,yddate) Values (3,'c','4','2003-1-31')"));
     Connection conn;
     conn.Open(profile());
 
-    auto rs = conn.Execute(QStringLiteral("Select Convert(varchar(10),yddate,111) From cgk Where cgkid=1"));
+    auto rs = conn.Execute(
+        QStringLiteral("Select Convert(varchar(10),yddate,111) From cgk Where cgkid=1"));
     EXPECT_EQ(rs->text(0), QStringLiteral("2003/01/01"));
     // Stored normalised: midnight without a time.
     EXPECT_EQ(querySqlite(dbPath(), QStringLiteral("select yddate from cgk where cgkid=1")),
               QStringLiteral("2003-01-01"));
 
-    rs = conn.Execute(QStringLiteral("Select cgkid From cgk Where yddate<='2003-01-31' Order by cgkid"));
+    rs = conn.Execute(
+        QStringLiteral("Select cgkid From cgk Where yddate<='2003-01-31' Order by cgkid"));
     QList<int> ids;
     while (!rs->EOF_()) {
         ids << rs->value(0).toInt();
@@ -184,10 +201,12 @@ TEST_F(AdodbTest, SqlServerDialectRunsOnSqlite) {
                 now.contains(QDate::currentDate().toString(QStringLiteral("yyyy"))))
         << now.toStdString();
 
-    rs = conn.Execute(QStringLiteral("Select '第 '+batch+' 批采购验收传票' From cgk Where cgkid=1"));
+    rs =
+        conn.Execute(QStringLiteral("Select '第 '+batch+' 批采购验收传票' From cgk Where cgkid=1"));
     EXPECT_EQ(rs->text(0), QStringLiteral("第 12 批采购验收传票"));
 
-    rs = conn.Execute(QStringLiteral("Select Distinct left(classcode,1) AS type From cgk Where cgkid=1"));
+    rs = conn.Execute(
+        QStringLiteral("Select Distinct left(classcode,1) AS type From cgk Where cgkid=1"));
     EXPECT_EQ(rs->text(0), QStringLiteral("T"));
 
     // Numbers still add.
@@ -198,7 +217,8 @@ TEST_F(AdodbTest, SqlServerDialectRunsOnSqlite) {
 TEST_F(AdodbTest, UserNameComparesWithoutCaseAndTrailingBlanks) {
     Connection conn;
     conn.Open(profile());
-    auto rs = conn.Execute(QStringLiteral("Select userid,cgk From LibUse Where username='ADMIN ' AND password='admin'"));
+    auto rs = conn.Execute(QStringLiteral(
+        "Select userid,cgk From LibUse Where username='ADMIN ' AND password='admin'"));
     ASSERT_FALSE(rs->EOF_());
     EXPECT_EQ(rs->value(0).toInt(), 1);
     rs = conn.Execute(QStringLiteral("Select userid From LibUse Where username=' admin'"));
@@ -206,14 +226,16 @@ TEST_F(AdodbTest, UserNameComparesWithoutCaseAndTrailingBlanks) {
 }
 
 TEST_F(AdodbTest, ShapedStatementGroupsInTableOrder) {
-    exec(QStringLiteral("Insert Into printYStotal Values ('2','甲',1),('1','乙',2),('2','丙',3),('1','丁',4),('3','戊',5)"));
+    exec(QStringLiteral("Insert Into printYStotal Values "
+                        "('2','甲',1),('1','乙',2),('2','丙',3),('1','丁',4),('3','戊',5)"));
     Connection conn;
     QString shaped = profile();
     shaped.replace(QStringLiteral("MSDASQL"), QStringLiteral("MSDataShape"));
     conn.Open(shaped);
     ASSERT_TRUE(conn.isShaped());
     Recordset rs;
-    rs.Open(QStringLiteral(" SHAPE {select batch,bookfrom,jine from printYStotal}  AS myPrint COMPUTE myPrint BY 'batch'"),
+    rs.Open(QStringLiteral(" SHAPE {select batch,bookfrom,jine from printYStotal}  AS myPrint "
+                           "COMPUTE myPrint BY 'batch'"),
             conn, adOpenDynamic, adLockOptimistic, adCmdText);
     QStringList parents;
     QStringList children;
@@ -228,8 +250,10 @@ TEST_F(AdodbTest, ShapedStatementGroupsInTableOrder) {
         children << names.join(u',');
         rs.MoveNext();
     }
-    EXPECT_EQ(parents, (QStringList{QStringLiteral("2"), QStringLiteral("1"), QStringLiteral("3")}));
-    EXPECT_EQ(children, (QStringList{QStringLiteral("甲,丙"), QStringLiteral("乙,丁"), QStringLiteral("戊")}));
+    EXPECT_EQ(parents,
+              (QStringList{QStringLiteral("2"), QStringLiteral("1"), QStringLiteral("3")}));
+    EXPECT_EQ(children, (QStringList{QStringLiteral("甲,丙"), QStringLiteral("乙,丁"),
+                                     QStringLiteral("戊")}));
 }
 
 TEST_F(AdodbTest, ProviderTextReachesVbErrorUnchanged) {
@@ -240,11 +264,13 @@ TEST_F(AdodbTest, ProviderTextReachesVbErrorUnchanged) {
         ADD_FAILURE() << "the statement must fail";
     } catch (const vb::VbError& e) {
         EXPECT_EQ(e.number(), vb::errProvider);
-        EXPECT_TRUE(e.description().contains(QStringLiteral("nosuchcolumn"))) << e.description().toStdString();
+        EXPECT_TRUE(e.description().contains(QStringLiteral("nosuchcolumn")))
+            << e.description().toStdString();
     }
     // A password with a quote makes the login statement a syntax error.
     try {
-        conn.Execute(QStringLiteral("Select userid,cgk From LibUse Where username='a' AND password='x'y'"));
+        conn.Execute(
+            QStringLiteral("Select userid,cgk From LibUse Where username='a' AND password='x'y'"));
         ADD_FAILURE() << "the statement must fail";
     } catch (const vb::VbError& e) {
         EXPECT_FALSE(e.description().isEmpty());
@@ -274,7 +300,8 @@ TEST(AdodbProfile, ProviderItemDroppedAndDsnGoesFirst) {
     auto p = parseProfile(QStringLiteral("PROVIDER=MSDASQL;DSN=orvane;UID=sa;PWD=x;"));
     EXPECT_EQ(p.odbc, QStringLiteral("orvane;UID=sa;PWD=x;"));
     EXPECT_FALSE(p.shaped);
-    p = parseProfile(QStringLiteral("PROVIDER=MSDataShape;Driver=SQL Server;Server=h;UID=u;PWD=p;Database=d;"));
+    p = parseProfile(
+        QStringLiteral("PROVIDER=MSDataShape;Driver=SQL Server;Server=h;UID=u;PWD=p;Database=d;"));
     EXPECT_EQ(p.odbc, QStringLiteral("Driver=SQL Server;Server=h;UID=u;PWD=p;Database=d;"));
     EXPECT_TRUE(p.shaped);
 }

@@ -24,7 +24,7 @@ class Isolation : public ::testing::EmptyTestEventListener {
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", qgetenv("QT_QPA_PLATFORM").isEmpty() ? QByteArray("offscreen")
-                                                                     : qgetenv("QT_QPA_PLATFORM"));
+                                                                    : qgetenv("QT_QPA_PLATFORM"));
     // Settings of the tests never touch the user's own store.
     QTemporaryDir settings;
     vb::setSettingsPath(settings.path());

@@ -25,9 +25,13 @@ vb::ScriptedMsgBox& boxes() {
     return *box;
 }
 
-int processEnds() { return App::endCount(); }
+int processEnds() {
+    return App::endCount();
+}
 
-QString compatModule() { return QStringLiteral(ORVANE_COMPAT_MODULE); }
+QString compatModule() {
+    return QStringLiteral(ORVANE_COMPAT_MODULE);
+}
 
 QString sqliteProfile(const QString& dbPath) {
     return QStringLiteral("PROVIDER=MSDASQL;Driver=SQLite3;Database=%1;LoadExt=%2;")
@@ -80,7 +84,9 @@ void DbTest::SetUp() {
     vb::setSettingsPath(m_dir->path() + QStringLiteral("/settings"));
 }
 
-void DbTest::TearDown() { m_dir.reset(); }
+void DbTest::TearDown() {
+    m_dir.reset();
+}
 
 QString DbTest::makeEmptyDatabase() {
     m_dbPath = m_dir->path() + QStringLiteral("/empty.db");
