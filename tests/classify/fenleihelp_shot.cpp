@@ -40,7 +40,10 @@ int main(int argc, char** argv) {
     QTest::mouseClick(g1->viewport(), Qt::LeftButton, {}, cell.center() - g1->viewport()->pos());
     QTest::qWait(200);
 
-    if (!f.window()->grab().save(QString::fromLocal8Bit(argv[1]))) {
+    const bool saved = f.window()->grab().save(QString::fromLocal8Bit(argv[1]));
+    // Forms go before the application object does.
+    vb::FormRegistry::destroyAll();
+    if (!saved) {
         std::fprintf(stderr, "fenleihelp_shot: cannot write %s\n", argv[1]);
         return 1;
     }
