@@ -116,14 +116,19 @@ bool populate(sqlite3* db, const Options& options, std::string* error, DemoFigur
     try {
         exec(db, "BEGIN");
         try {
-            exec(db, sqliteSchema());
-            SqliteSink sink(db);
-            writeSeed(sink);
+            exec(db, sqliteTables());
             DemoFigures demo;
-            if (options.demo) demo = writeDemo(sink);
-            writeCgkidCounter(sink, demo.nextCgkid);
-            if (options.extraHoldings > 0)
-                writeExtraHoldings(sink, demo.holdings + 1, options.extraHoldings);
+            {
+                // The generated rows are normalised already: the date triggers can
+                // come with the indexes, after the load.
+                SqliteSink sink(db);
+                writeSeed(sink);
+                if (options.demo) demo = writeDemo(sink);
+                writeCgkidCounter(sink, demo.nextCgkid);
+                if (options.extraHoldings > 0)
+                    writeExtraHoldings(sink, demo.holdings + 1, options.extraHoldings);
+            }
+            exec(db, sqliteIndexes());
             if (figures) *figures = demo;
         } catch (...) {
             sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);
@@ -131,7 +136,7 @@ bool populate(sqlite3* db, const Options& options, std::string* error, DemoFigur
         }
         exec(db, "COMMIT");
         // Statistics for the planner, so the first searches pick the indexes.
-        exec(db, "ANALYZE");
+        exec(db, "PRAGMA analysis_limit=1000; ANALYZE");
     } catch (const SqlError& e) {
         if (error) *error = e.what();
         return false;

@@ -50,7 +50,10 @@ int writeScript(const std::string& path, const std::string& script) {
     if (!fs::is_directory(dir, ec)) return failed("目录不存在: " + path);
     std::random_device rd;
     fs::path temp = target;
-    temp += "." + std::to_string(rd() % 1000000) + ".tmp";
+    std::string suffix = ".";
+    suffix += std::to_string(rd() % 1000000);
+    suffix += ".tmp";
+    temp += suffix;
     {
         std::ofstream out(temp, std::ios::binary);
         if (!out) return failed("无法写入文件: " + path);

@@ -253,7 +253,7 @@ const Table* findTable(std::string_view name) {
     return nullptr;
 }
 
-std::string sqliteSchema() {
+std::string sqliteTables() {
     std::string sql;
     for (const Table& t : allTables) {
         sql += "CREATE TABLE \"";
@@ -269,6 +269,13 @@ std::string sqliteSchema() {
             if (c.defaultZero) sql += " DEFAULT 0";
         }
         sql += "\n);\n";
+    }
+    return sql;
+}
+
+std::string sqliteIndexes() {
+    std::string sql;
+    for (const Table& t : allTables) {
         for (const Index& ix : t.indexes) {
             sql += "CREATE INDEX \"";
             sql += ix.name;

@@ -41,9 +41,11 @@ struct Table {
 std::span<const Table> tables();
 const Table* findTable(std::string_view name);
 
-// DDL for SQLite: tables, indexes and the date triggers. The connection must have
-// the compat functions and the VBTEXT collation registered before it runs them.
-std::string sqliteSchema();
+// DDL for SQLite: the tables, then the indexes and the date triggers (made after a
+// bulk load, which is faster than keeping them up row by row). The connection must
+// have the compat functions and the VBTEXT collation registered before it runs them.
+std::string sqliteTables();
+std::string sqliteIndexes();
 
 // The same schema as a T-SQL script, one statement per GO batch.
 std::string mssqlSchema();
