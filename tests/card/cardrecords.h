@@ -1,0 +1,104 @@
+#pragma once
+// Records for the card tests, written the way a cataloguer reads them: ␟ for character 31,
+// ␞ for 30, ␝ for 29. `in` turns such a text into the real characters and `vis` turns
+// results back, so a failing comparison shows where a control character went.
+
+#include "platform/gbk.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <ostream>
+#include <vector>
+
+namespace cardtest {
+
+inline QString in(QString s) {
+    for (QChar& c : s) {
+        if (c.unicode() >= 0x241D && c.unicode() <= 0x241F)
+            c = QChar(char16_t(c.unicode() - 0x2400));
+    }
+    return s;
+}
+
+inline QString vis(QString s) {
+    for (QChar& c : s) {
+        if (c.unicode() >= 29 && c.unicode() <= 31) c = QChar(char16_t(c.unicode() + 0x2400));
+    }
+    return s;
+}
+
+struct Field {
+    QString tag;
+    QString text; // with ␟ and the closing ␞
+};
+
+// The directory of `fields`, each entry's length and start counted in GBK bytes.
+inline QString directory(const std::vector<Field>& fields) {
+    QString dir;
+    qsizetype start = 0;
+    for (const Field& f : fields) {
+        const qsizetype n = gbk::byteLength(in(f.text));
+        dir += f.tag +
+               QStringLiteral("%1%2").arg(n, 4, 10, QChar(u'0')).arg(start, 5, 10, QChar(u'0'));
+        start += n;
+    }
+    return dir;
+}
+
+// A whole record: leader with the right base address, directory, ␞, fields, ␝.
+inline QString record(const std::vector<Field>& fields) {
+    const QString dir = directory(fields);
+    const qsizetype base = 24 + gbk::byteLength(dir) + 1; // in bytes, like the starts
+    QString data;
+    for (const Field& f : fields) data += in(f.text);
+    const QString body = dir + QChar(30) + data + QChar(29);
+    const qsizetype total = 24 + gbk::byteLength(body);
+    const QString leader = QStringLiteral("%1nam0 22%2   450 ")
+                               .arg(total, 5, 10, QChar(u'0'))
+                               .arg(base, 5, 10, QChar(u'0'));
+    return leader + body;
+}
+
+// The made-up record of our card documentation, leader and directory as written there.
+inline std::vector<Field> workedFields() {
+    return {
+        {"001", "012345678␞"},
+        {"010", "  ␟a7-5000-1234-5␟b精装␟dCNY25.00␞"},
+        {"200", "1 ␟a数据结构␟e算法与实践␟f王小明著␟g李华译␞"},
+        {"205", "  ␟a第2版␟f张三修订␞"},
+        {"210", "  ␟a北京␟c示例出版社␟d2001␞"},
+        {"215", "  ␟a320页␟c图␟d26cm␞"},
+        {"225", "2 ␟a计算机丛书␟v第3辑␞"},
+        {"300", "  ␟a本书由讲义整理而成␞"},
+        {"320", "  ␟a有书目␞"},
+        {"606", "0 ␟a数据结构␟x教材␞"},
+        {"606", "0 ␟a算法␞"},
+        {"690", "  ␟aTP311.12␞"},
+        {"701", " 0␟a王小明␟4著␞"},
+        {"702", " 0␟a李华␟4译␞"},
+    };
+}
+
+inline QString workedRecord() {
+    QString data;
+    for (const Field& f : workedFields()) data += in(f.text);
+    return QStringLiteral("00473nam0 2200193   450 "
+                          "001001000000010003400010200004300044205002000087"
+                          "210002700107215002000134225002200154300002300176"
+                          "320001100199606001900210606000900229690001300238"
+                          "701001500251702001300266") +
+           QChar(30) + data + QChar(29);
+}
+
+// Lines joined with CR LF, as the layouts write them.
+inline QString lines(const QStringList& l) {
+    return l.join(QStringLiteral("\r\n"));
+}
+
+} // namespace cardtest
+
+// Failing comparisons show the text, with the control characters made visible.
+inline void PrintTo(const QString& s, std::ostream* os) {
+    *os << cardtest::vis(s).toStdString();
+}
