@@ -232,68 +232,73 @@ constexpr std::array givenNames{
 
 constexpr std::array operators{"admin", "李红", "王建国", "admin", "张丽"};
 
+// Publishers sell to the library directly; the rest are booksellers. Contact fields
+// fit the supplier form (15 characters for telephone, fax, e-mail and web).
 struct Supplier {
-    std::string_view name, city, address, zip, area, pubclass, mail;
+    std::string_view name, city, address, zip, area, pubclass, email, web;
 };
 
 constexpr std::array suppliers{
     Supplier{"北京新华书店图书发行中心", "北京", "北京市西城区西直门外大街12号", "100044", "010",
-             "新华书店", "bjxhfx"},
+             "销售商", "bjxhfx@163.com", ""},
     Supplier{"北京智源图书有限公司", "北京", "北京市海淀区中关村南大街5号", "100081", "010",
-             "图书公司", "zhiyuanbook"},
-    Supplier{"北京学苑书刊发行部", "北京", "北京市海淀区学院路30号", "100083", "010", "民营书店",
-             "xueyuansk"},
-    Supplier{"上海新华图书馆配中心", "上海", "上海市黄浦区福州路465号", "200001", "021", "新华书店",
-             "shxhpg"},
-    Supplier{"上海博文图书经销公司", "上海", "上海市徐汇区漕溪北路88号", "200030", "021",
-             "图书公司", "bowenbook"},
-    Supplier{"天津市新华书店馆配部", "天津", "天津市和平区南京路120号", "300041", "022", "新华书店",
-             "tjxhsd"},
+             "销售商", "zyts@163.com", "www.zyts.com"},
+    Supplier{"北京学苑书刊发行部", "北京", "北京市海淀区学院路30号", "100083", "010", "销售商",
+             "xysk@sina.com", ""},
+    Supplier{"上海新华图书馆配中心", "上海", "上海市黄浦区福州路465号", "200001", "021", "销售商",
+             "shxh@163.com", "www.shxhsd.com"},
+    Supplier{"上海博文图书经销公司", "上海", "上海市徐汇区漕溪北路88号", "200030", "021", "销售商",
+             "bwts@263.net", ""},
+    Supplier{"天津市新华书店馆配部", "天津", "天津市和平区南京路120号", "300041", "022", "销售商",
+             "tjxhsd@163.com", ""},
     Supplier{"广州求知图书贸易有限公司", "广州", "广州市天河区天河路123号", "510620", "020",
-             "图书公司", "qiuzhibook"},
+             "销售商", "qzts@21cn.com", "www.qzts.com"},
     Supplier{"江苏新华书店图书馆服务部", "南京", "南京市鼓楼区中山北路56号", "210008", "025",
-             "新华书店", "jsxhtfb"},
-    Supplier{"南京书香图书有限公司", "南京", "南京市玄武区珠江路280号", "210018", "025", "图书公司",
-             "shuxiangnj"},
-    Supplier{"杭州文汇图书经销部", "杭州", "杭州市西湖区文三路259号", "310012", "0571", "民营书店",
-             "wenhuihz"},
-    Supplier{"湖北新华书店馆配中心", "武汉", "武汉市武昌区中南路18号", "430071", "027", "新华书店",
-             "hbxhpg"},
-    Supplier{"武汉崇文图书发行公司", "武汉", "武汉市洪山区珞喻路152号", "430079", "027", "图书公司",
-             "chongwenwh"},
+             "销售商", "jsxhtf@163.com", "www.jsxh.com"},
+    Supplier{"南京书香图书有限公司", "南京", "南京市玄武区珠江路280号", "210018", "025", "销售商",
+             "sxts@163.com", ""},
+    Supplier{"杭州文汇图书经销部", "杭州", "杭州市西湖区文三路259号", "310012", "0571", "销售商",
+             "whts@163.com", ""},
+    Supplier{"湖北新华书店馆配中心", "武汉", "武汉市武昌区中南路18号", "430071", "027", "销售商",
+             "hbxh@163.com", ""},
+    Supplier{"武汉崇文图书发行公司", "武汉", "武汉市洪山区珞喻路152号", "430079", "027", "销售商",
+             "cwts@163.com", "www.cwts.com"},
     Supplier{"成都蜀都图书贸易有限公司", "成都", "成都市锦江区春熙路36号", "610016", "028",
-             "图书公司", "shudubook"},
-    Supplier{"西安长安书刊经销部", "西安", "西安市雁塔区小寨东路66号", "710061", "029", "民营书店",
-             "changansk"},
-    Supplier{"湖南潇湘图书发行公司", "长沙", "长沙市芙蓉区五一大道98号", "410011", "0731",
-             "图书公司", "xiaoxiangbook"},
+             "销售商", "sdts@163.com", ""},
+    Supplier{"西安长安书刊经销部", "西安", "西安市雁塔区小寨东路66号", "710061", "029", "销售商",
+             "casy@163.com", ""},
+    Supplier{"湖南潇湘图书发行公司", "长沙", "长沙市芙蓉区五一大道98号", "410011", "0731", "销售商",
+             "xxts@163.com", "www.xxts.com"},
     Supplier{"重庆西南书刊发行公司", "重庆", "重庆市渝中区解放碑民族路101号", "400010", "023",
-             "图书公司", "xinansk"},
-    Supplier{"沈阳北方书刊发行公司", "沈阳", "沈阳市和平区太原北街86号", "110001", "024",
-             "图书公司", "beifangsk"},
-    Supplier{"山东泉城图书发行公司", "济南", "济南市历下区泉城路180号", "250011", "0531",
-             "图书公司", "quanchengbook"},
-    Supplier{"郑州中原图书经销部", "郑州", "郑州市金水区花园路39号", "450008", "0371", "民营书店",
-             "zhongyuanbook"},
+             "销售商", "xnsk@163.com", ""},
+    Supplier{"沈阳北方书刊发行公司", "沈阳", "沈阳市和平区太原北街86号", "110001", "024", "销售商",
+             "bfsk@sina.com", ""},
+    Supplier{"山东泉城图书发行公司", "济南", "济南市历下区泉城路180号", "250011", "0531", "销售商",
+             "qcts@163.com", ""},
+    Supplier{"郑州中原图书经销部", "郑州", "郑州市金水区花园路39号", "450008", "0371", "销售商",
+             "zyjx@163.com", ""},
     Supplier{"哈尔滨龙江书刊发行部", "哈尔滨", "哈尔滨市南岗区西大直街118号", "150001", "0451",
-             "民营书店", "longjiangsk"},
-    Supplier{"长春博文书店", "长春", "长春市朝阳区人民大街3456号", "130021", "0431", "民营书店",
-             "ccbowen"},
-    Supplier{"福州榕城图书有限公司", "福州", "福州市鼓楼区五四路75号", "350003", "0591", "图书公司",
-             "rongchengbook"},
-    Supplier{"厦门鹭江图书发行部", "厦门", "厦门市思明区中山路208号", "361001", "0592", "民营书店",
-             "lujiangbook"},
-    Supplier{"昆明春城书刊经销公司", "昆明", "昆明市五华区东风西路11号", "650032", "0871",
-             "图书公司", "chunchengsk"},
-    Supplier{"青岛海润图书发行部", "青岛", "青岛市市南区香港中路20号", "266071", "0532", "民营书店",
-             "hairunbook"},
-    Supplier{"人民文学出版社", "北京", "北京市朝内大街166号", "100705", "010", "出版社", "rw-cn"},
-    Supplier{"机械工业出版社", "北京", "北京市西城区百万庄大街22号", "100037", "010", "出版社",
-             "cmpbook"},
-    Supplier{"清华大学出版社", "北京", "北京市海淀区清华大学学研大厦", "100084", "010", "出版社",
-             "tup"},
-    Supplier{"高等教育出版社", "北京", "北京市西城区德外大街4号", "100011", "010", "出版社", "hep"},
-    Supplier{"中华书局", "北京", "北京市丰台区太平桥西里38号", "100073", "010", "出版社", "zhbc"},
+             "销售商", "ljsk@163.com", ""},
+    Supplier{"长春博文书店", "长春", "长春市朝阳区人民大街3456号", "130021", "0431", "销售商",
+             "ccbw@163.com", ""},
+    Supplier{"福州榕城图书有限公司", "福州", "福州市鼓楼区五四路75号", "350003", "0591", "销售商",
+             "rcts@163.com", ""},
+    Supplier{"厦门鹭江图书发行部", "厦门", "厦门市思明区中山路208号", "361001", "0592", "销售商",
+             "ljts@163.com", ""},
+    Supplier{"昆明春城书刊经销公司", "昆明", "昆明市五华区东风西路11号", "650032", "0871", "销售商",
+             "ccsk@163.com", ""},
+    Supplier{"青岛海润图书发行部", "青岛", "青岛市市南区香港中路20号", "266071", "0532", "销售商",
+             "hrts@163.com", ""},
+    Supplier{"人民文学出版社", "北京", "北京市朝内大街166号", "100705", "010", "出版商",
+             "rw@rw-cn.com", "www.rw-cn.com"},
+    Supplier{"机械工业出版社", "北京", "北京市西城区百万庄大街22号", "100037", "010", "出版商",
+             "cmp@cmpbook.com", "www.cmpbook.com"},
+    Supplier{"清华大学出版社", "北京", "北京市海淀区清华大学学研大厦", "100084", "010", "出版商",
+             "tup@tup.com.cn", "www.tup.com.cn"},
+    Supplier{"高等教育出版社", "北京", "北京市西城区德外大街4号", "100011", "010", "出版商",
+             "hep@hep.com.cn", "www.hep.com.cn"},
+    Supplier{"中华书局", "北京", "北京市丰台区太平桥西里38号", "100073", "010", "出版商",
+             "zh@zhbc.com.cn", "www.zhbc.com.cn"},
 };
 
 constexpr std::array orderWays{"预订", "预订", "预订", "预订", "预订", "预订", "现购",
@@ -399,8 +404,11 @@ public:
                 std::string(rng_.pick(titlePrefixes)) + std::string(s.name) + std::string(suffix);
             b.author = authorLine();
             b.classcode = s.classcode;
-            if (suffix.find("教程") != std::string_view::npos) b.classcode += "-43";
-            if (suffix == "习题集" || suffix == "题解") b.classcode += "-44";
+            // Form subdivisions, where the number stays within the field's ten places.
+            if (b.classcode.size() <= 7) {
+                if (suffix.find("教程") != std::string_view::npos) b.classcode += "-43";
+                if (suffix == "习题集" || suffix == "题解") b.classcode += "-44";
+            }
         } else if (kind < 97) {
             // The literary publishers among the sources get no technical titles.
             const Work& w = works[size_t(literary ? rng_.range(0, literaryWorks - 1)
@@ -539,8 +547,6 @@ void writeSuppliers(RowSink& sink, Rng& rng) {
             area + "-" + std::to_string(rng.range(5, 8)) + digits(rng, local - 1);
         const std::string fax =
             area + "-" + std::to_string(rng.range(5, 8)) + digits(rng, local - 1);
-        const bool publisher = s.pubclass == "出版社";
-        const std::string mail(s.mail);
         const Value row[] = {
             s.name,
             s.city,
@@ -548,9 +554,8 @@ void writeSuppliers(RowSink& sink, Rng& rng) {
             s.zip,
             tel,
             rng.chance(85) ? Value(fax) : Value::null(),
-            publisher ? Value("sales@" + mail + ".com.cn")
-                      : (rng.chance(70) ? Value(mail + "@163.com") : Value::null()),
-            publisher || rng.chance(30) ? Value("www." + mail + ".com.cn") : Value::null(),
+            s.email.empty() ? Value::null() : Value(s.email),
+            s.web.empty() ? Value::null() : Value(s.web),
             s.pubclass,
         };
         sink.insert("cggys", "publisher,pubplace,address,zipcode,tel,fax,email,web,pubclass", row);
@@ -591,7 +596,7 @@ DemoFigures writeDemo(RowSink& sink) {
         ++round;
         const Supplier& s =
             suppliers[size_t(rng.range(0, 99) < 90 ? rng.range(0, 24) : rng.range(25, 29))];
-        const Publisher* own = s.pubclass == "出版社" ? publisherNamed(s.name) : nullptr;
+        const Publisher* own = s.pubclass == "出版商" ? publisherNamed(s.name) : nullptr;
         const bool literary = s.name == "人民文学出版社" || s.name == "中华书局";
         const std::string way = rng.pick(orderWays);
         const std::string who = rng.pick(operators);

@@ -114,6 +114,47 @@ TEST_F(DemoDb, IsbnsAreValidAndTheirPublishersMatchThePrefixes) {
     EXPECT_GT(checked, 12000);
 }
 
+TEST_F(DemoDb, TextsFitTheFormFields) {
+    // The entry and supplier forms hold at most these many characters.
+    const std::map<std::string, std::map<std::string, int>> limits{
+        {"cgk",
+         {{"bookfrom", 30},
+          {"bookname", 50},
+          {"author", 30},
+          {"zdcode", 20},
+          {"isbn", 13},
+          {"publisher", 30},
+          {"pubplace", 10},
+          {"pubdate", 11},
+          {"edition", 20},
+          {"measure", 10},
+          {"classcode", 10},
+          {"docclass", 10},
+          {"lagclass", 15},
+          {"cgff", 8},
+          {"batch", 20},
+          {"fpcode", 20},
+          {"sjcode", 20}}},
+        {"cggys",
+         {{"publisher", 30},
+          {"pubplace", 10},
+          {"address", 30},
+          {"zipcode", 6},
+          {"tel", 15},
+          {"fax", 15},
+          {"email", 15},
+          {"web", 15}}},
+    };
+    for (const auto& [table, columns] : limits)
+        for (const auto& [column, limit] : columns)
+            EXPECT_LE(db->number("Select coalesce(max(length(" + column + ")),0) From " + table),
+                      limit)
+                << table << "." << column;
+    // The supplier form picks the type from a fixed list of two.
+    EXPECT_EQ(db->column("Select Distinct pubclass From cggys Order By pubclass"),
+              (std::vector<std::string>{"出版商", "销售商"}));
+}
+
 TEST_F(DemoDb, ValuesComeFromTheCodeLists) {
     // Otherwise editing a demo order would ask to add the value to its list.
     EXPECT_EQ(db->column("Select Distinct bookfrom From cgk Where bookfrom Not In (Select "
