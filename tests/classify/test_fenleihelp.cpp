@@ -28,10 +28,10 @@ QStringList column(vb::FlexGrid* g, int col) {
 }
 
 // An operator's click on a row's visible cell.
-void pick(vb::FlexGrid* g, int row) {
+void pick(vb::FlexGrid* g, int row, Qt::KeyboardModifiers mods = {}) {
     const QRect cell = g->cellRect(row, 1);
     ASSERT_TRUE(cell.isValid()) << "row " << row;
-    QTest::mouseClick(g->viewport(), Qt::LeftButton, {}, cell.center() - g->viewport()->pos());
+    QTest::mouseClick(g->viewport(), Qt::LeftButton, mods, cell.center() - g->viewport()->pos());
 }
 
 class FenleiForm : public ::testing::Test {
@@ -129,12 +129,8 @@ TEST_F(FenleiForm, PickingAClassShowsItsSecondLevelClasses) {
         {QStringLiteral("   B 第二大类，前有空格"), {QStringLiteral("B1 第二大类的第一个类")}},
         {QStringLiteral("T 工业类"),
          {QStringLiteral("TB 工业类的第一个类"), QStringLiteral("TP 工业类的第二个类")}},
-        {QStringLiteral("t 小写的类"), {QStringLiteral("t1 小写类的类")}},
         // The empty line: nothing to show, one blank row kept.
         {QString(), {QString()}},
-        // Its letter is "[", and it takes the bracketed class line.
-        {QStringLiteral(" [X] 前有空格的方括号行不结束本节]"),
-         {QStringLiteral("[A8] 第一大类中方括号类目")}},
     };
     for (const Case& c : cases) {
         const int row = rowOf(c.mainLine);
@@ -147,6 +143,19 @@ TEST_F(FenleiForm, PickingAClassShowsItsSecondLevelClasses) {
         EXPECT_EQ(grid2()->ColWidth(1), vb::toTwips(vb::twips(6800)));
     }
     EXPECT_TRUE(testsupport::boxes().calls().empty());
+}
+
+TEST_F(FenleiForm, ShiftClickStillSelectsOneRow) {
+    ASSERT_TRUE(writeOutline(path, sampleOutline()));
+    open();
+    pick(grid1(), rowOf(QStringLiteral("T 工业类")));
+    pick(grid2(), 1, Qt::ShiftModifier);
+    EXPECT_EQ(grid2()->Row(), 1);
+    EXPECT_EQ(grid2()->RowSel(), 1);
+    pick(grid1(), 1, Qt::ShiftModifier);
+    EXPECT_EQ(grid1()->Row(), 1);
+    EXPECT_EQ(grid1()->RowSel(), 1);
+    EXPECT_EQ(column(grid2(), 1), QStringList{QStringLiteral("B1 第二大类的第一个类")});
 }
 
 TEST_F(FenleiForm, EveryPickReadsTheFileAgain) {
