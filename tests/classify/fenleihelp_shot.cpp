@@ -1,5 +1,6 @@
 // Saves a picture of the classification help with class T picked, as an operator sees it:
-//   xvfb-run -a fenleihelp_shot docs/classification-help.png
+//   ASAN_OPTIONS=detect_leaks=0 xvfb-run -a build/bin/fenleihelp_shot docs/classification-help.png
+// (the X platform's D-Bus link leaks a buffer at exit that is not ours).
 // Reads the fenlei.Qvx that lies beside this program, like the client does.
 
 #include "classify/fenleihelp.h"
