@@ -191,6 +191,16 @@ constexpr std::array works{
     Work{"时间简史", "(英)史蒂芬·霍金著", "P159"},
 };
 
+// Where literature and where translated technical books come out.
+constexpr std::string_view literaryHousesList[]{"7-02",   "7-101",  "7-108",  "7-5063", "7-5321",
+                                                "7-5325", "7-5327", "7-5339", "7-5354", "7-5360",
+                                                "7-5399", "7-5404", "7-5442", "7-5447"};
+constexpr std::string_view technicalHousesList[]{"7-03",  "7-04",  "7-111", "7-115",
+                                                 "7-121", "7-302", "7-5083"};
+
+constexpr std::span<const std::string_view> literaryHouses{literaryHousesList};
+constexpr std::span<const std::string_view> technicalHouses{technicalHousesList};
+
 // The works above the translated technical books.
 constexpr int literaryWorks = 42;
 
@@ -391,11 +401,7 @@ public:
     Book make(int firstYear, int lastYear, const Publisher* forced = nullptr,
               bool literary = false) {
         Book b;
-        const auto all = publishers();
-        const Publisher& p = forced ? *forced : all[size_t(rng_.next() % all.size())];
-        b.publisher = p.name;
-        b.place = p.place;
-        b.isbn = isbn(p);
+        const Publisher* p = forced;
         const int kind = literary ? 80 : rng_.range(0, 99);
         if (kind < 72) {
             const Subject& s = rng_.pick(subjects);
@@ -411,18 +417,28 @@ public:
             }
         } else if (kind < 97) {
             // The literary publishers among the sources get no technical titles.
-            const Work& w = works[size_t(literary ? rng_.range(0, literaryWorks - 1)
-                                                  : rng_.range(0, int(works.size()) - 1))];
+            const int at =
+                literary ? rng_.range(0, literaryWorks - 1) : rng_.range(0, int(works.size()) - 1);
+            const Work& w = works[size_t(at)];
             b.title = w.title;
             b.author = w.author;
             b.classcode = w.classcode;
+            if (!p) p = house(at < literaryWorks ? literaryHouses : technicalHouses);
         } else {
             const Work& w = rng_.pick(englishWorks);
             b.title = w.title;
             b.author = w.author;
             b.classcode = w.classcode;
             b.language = "英文";
+            if (!p) p = house(technicalHouses);
         }
+        if (!p) {
+            const auto all = publishers();
+            p = &all[size_t(rng_.next() % all.size())];
+        }
+        b.publisher = p->name;
+        b.place = p->place;
+        b.isbn = isbn(*p);
         if (b.language.empty()) b.language = "中文";
         const int year = rng_.range(firstYear, lastYear);
         char buf[16];
@@ -437,8 +453,9 @@ public:
     }
 
     Book quoted(size_t index) {
-        Book b = make(2001, 2004);
         const Work& w = quotedWorks[index % quotedWorks.size()];
+        Book b = make(2001, 2004,
+                      house(w.classcode.starts_with("TP") ? technicalHouses : literaryHouses));
         b.title = w.title;
         b.author = w.author;
         b.classcode = w.classcode;
@@ -446,6 +463,13 @@ public:
     }
 
 private:
+    const Publisher* house(std::span<const std::string_view> prefixes) {
+        const std::string_view prefix = prefixes[size_t(rng_.next() % prefixes.size())];
+        for (const Publisher& p : publishers())
+            if (p.prefix == prefix) return &p;
+        return nullptr;
+    }
+
     Rng& rng_;
     bool unique_;
     std::unordered_set<std::string> used_;
