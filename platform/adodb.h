@@ -1,6 +1,8 @@
 #pragma once
-// An ADO-shaped layer over Qt SQL's ODBC driver: each procedure makes its own Connection
-// from the profile string, opens Recordsets on SQL text, and lets both go at its end.
+// An ADO-shaped layer straight over ODBC: each procedure makes its own Connection from the
+// profile string, opens Recordsets on SQL text, and lets both go at its end. Rows are
+// fetched in blocks into bound buffers (Qt's ODBC plugin fetches cell by cell and clears a
+// buffer of the column's declared size for each cell, which is twenty times slower).
 //
 // Profile strings are ADO strings: the "PROVIDER=MSDASQL;" item is dropped and the rest is
 // handed to the ODBC driver manager as it stands. "PROVIDER=MSDataShape" is the same plus
@@ -12,7 +14,6 @@
 //
 // Every failure raises vb::VbError with the provider's message text unchanged.
 
-#include <QSqlDatabase>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -77,11 +78,12 @@ public:
     // The SQL as it goes to the database after the dialect adaptation (tests, logs).
     QString adapt(const QString& sql) const;
 
-    QSqlDatabase database() const;
+    // The ODBC connection handle (SQLHDBC), for the few direct calls of platform/.
+    void* handle() const { return m_dbc; }
 
 private:
     friend class Recordset;
-    QString m_name;
+    void* m_dbc = nullptr;
     QString m_connStr;
     bool m_shaped = false;
     bool m_open = false;

@@ -296,9 +296,9 @@ TEST_F(AdodbTest, UnopenedConnectionAndBadProfile) {
     EXPECT_FALSE(bad.isOpen());
 }
 
-TEST(AdodbProfile, ProviderItemDroppedAndDsnGoesFirst) {
+TEST(AdodbProfile, ProviderItemDroppedTheRestAsItStands) {
     auto p = parseProfile(QStringLiteral("PROVIDER=MSDASQL;DSN=orvane;UID=sa;PWD=x;"));
-    EXPECT_EQ(p.odbc, QStringLiteral("orvane;UID=sa;PWD=x;"));
+    EXPECT_EQ(p.odbc, QStringLiteral("DSN=orvane;UID=sa;PWD=x;"));
     EXPECT_FALSE(p.shaped);
     p = parseProfile(
         QStringLiteral("PROVIDER=MSDataShape;Driver=SQL Server;Server=h;UID=u;PWD=p;Database=d;"));
