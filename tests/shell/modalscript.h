@@ -1,0 +1,71 @@
+#pragma once
+// Drives the modal forms of the shell from a test: each step waits until its form is up
+// modally, then acts (posted, so an action may open a further modal form of its own).
+// Steps that never come due fail the test and leave their modal loops.
+
+#include "platform/form.h"
+
+#include <QElapsedTimer>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <functional>
+
+class ModalScript {
+public:
+    explicit ModalScript(int timeoutMs = 10000) : m_timeoutMs(timeoutMs) {
+        m_clock.start();
+        QObject::connect(&m_timer, &QTimer::timeout, [this] { tick(); });
+        m_timer.start(5);
+    }
+    ~ModalScript() {
+        m_timer.stop();
+        EXPECT_TRUE(m_steps.empty()) << m_steps.size() << " modal step(s) never came due";
+    }
+
+    // When form F stands modally on the screen, run act on it.
+    template <class F> ModalScript& on(std::function<void(F&)> act) {
+        m_steps.push_back({[] {
+                               return vb::FormRegistry::exists<F>() && vb::form<F>().isLoaded() &&
+                                      vb::form<F>().isModalShowing() && vb::form<F>().isVisible();
+                           },
+                           [act] { act(vb::form<F>()); }});
+        return *this;
+    }
+    bool done() const { return m_steps.empty(); }
+    // The forms in the order their steps ran.
+    int ran() const { return m_ran; }
+
+private:
+    struct Step {
+        std::function<bool()> ready;
+        std::function<void()> act;
+    };
+    void tick() {
+        if (m_steps.empty() || m_busy) return;
+        if (m_clock.elapsed() > m_timeoutMs) {
+            ADD_FAILURE() << "a modal form did not come up in time";
+            m_steps.clear();
+            vb::FormRegistry::quitModalLoops();
+            return;
+        }
+        if (!m_steps.front().ready()) return;
+        auto act = m_steps.front().act;
+        m_steps.pop_front();
+        ++m_ran;
+        m_busy = true;
+        QTimer::singleShot(0, [this, act] {
+            m_busy = false;
+            act();
+        });
+    }
+
+    QTimer m_timer;
+    QElapsedTimer m_clock;
+    std::deque<Step> m_steps;
+    int m_timeoutMs;
+    int m_ran = 0;
+    bool m_busy = false;
+};
