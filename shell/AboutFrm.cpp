@@ -1,5 +1,6 @@
 #include "shell/AboutFrm.h"
 
+#include "shell/centre.h"
 #include "shell/icons.h"
 
 #include <QLabel>
@@ -10,6 +11,7 @@ AboutFrm::AboutFrm() : vb::Form(QStringLiteral("AboutFrm")) {}
 void AboutFrm::build(QWidget* w) {
     w->setWindowTitle(QStringLiteral("关于系统"));
     w->setFixedSize(vb::twips(6000), vb::twips(3600));
+    shellwin::centreOnScreen(w);
 
     auto* icon = new QLabel(w);
     icon->setObjectName(QStringLiteral("Image1"));

@@ -8,6 +8,7 @@
 #include "platform/runtime.h"
 #include "platform/vb.h"
 #include "shell/Mainfrm.h"
+#include "shell/centre.h"
 #include "shell/frmLook.h"
 #include "shell/frmODBC.h"
 #include "shell/icons.h"
@@ -94,6 +95,7 @@ void BMLoginFrm::build(QWidget* w) {
     w->setWindowTitle(QStringLiteral("Orvane图书馆管理系统-------采购子系统"));
     w->setWindowIcon(shellicons::icon(QStringLiteral("app")));
     w->setFixedSize(vb::twips(6600), vb::twips(4380));
+    shellwin::centreOnScreen(w);
 
     auto* banner = label(w, QStringLiteral("Image1"), QString(), 0, 0, 6600, 1500);
     banner->setPixmap(shellicons::banner(vb::twips(6600), vb::twips(1500)));

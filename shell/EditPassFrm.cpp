@@ -6,6 +6,7 @@
 #include "platform/events.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
+#include "shell/centre.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -34,6 +35,7 @@ QLineEdit* EditPassFrm::Text1(int index) {
 void EditPassFrm::build(QWidget* w) {
     w->setWindowTitle(QStringLiteral("修改口令"));
     w->setFixedSize(vb::twips(4800), vb::twips(2880));
+    shellwin::centreOnScreen(w);
     const char16_t* labels[] = {u"请输入旧密码：", u"请输入新密码：", u"请确认新密码："};
     QWidget* previous = nullptr;
     for (int i = 0; i < 3; ++i) {

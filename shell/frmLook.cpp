@@ -1,6 +1,7 @@
 #include "shell/frmLook.h"
 
 #include "shell/Mainfrm.h"
+#include "shell/centre.h"
 #include "shell/icons.h"
 
 #include <QCheckBox>
@@ -10,11 +11,16 @@
 frmLook::frmLook() : vb::Form(QStringLiteral("frmLook")) {}
 
 void frmLook::build(QWidget* w) {
-    // Above the frame, and gone with it.
-    if (vb::FormRegistry::exists<Mainfrm>() && vb::form<Mainfrm>().isLoaded())
-        w->setParent(vb::form<Mainfrm>().window(), Qt::Dialog);
     w->setWindowTitle(QStringLiteral("Orvane图书馆管理集成系统"));
     w->setFixedSize(vb::twips(7200), vb::twips(4800));
+    // Above the frame, in its middle, and gone with it.
+    if (vb::FormRegistry::exists<Mainfrm>() && vb::form<Mainfrm>().isLoaded()) {
+        QWidget* frame = vb::form<Mainfrm>().window();
+        w->setParent(frame, Qt::Dialog);
+        shellwin::centreOn(w, frame->frameGeometry());
+    } else {
+        shellwin::centreOnScreen(w);
+    }
 
     auto* picture = new QLabel(w);
     picture->setObjectName(QStringLiteral("Image1"));

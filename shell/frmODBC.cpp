@@ -6,6 +6,7 @@
 #include "platform/msgbox.h"
 #include "platform/runtime.h"
 #include "platform/vb.h"
+#include "shell/centre.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -41,6 +42,7 @@ QGroupBox* frmODBC::frame() {
 void frmODBC::build(QWidget* w) {
     w->setWindowTitle(QStringLiteral("请设置要连接的数据库信息"));
     w->setFixedSize(vb::twips(5520), vb::twips(4560));
+    shellwin::centreOnScreen(w);
 
     auto* fra = new QGroupBox(kCaption, w);
     fra->setObjectName(QStringLiteral("fraStep3"));

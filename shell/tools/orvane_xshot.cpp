@@ -11,13 +11,23 @@
 #include <QScreen>
 #include <QThread>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
 namespace {
 
+// The root's colour: what most corners show (a window may sit in one of them).
+QRgb background(const QImage& img) {
+    const QRgb c[] = {img.pixel(0, 0), img.pixel(img.width() - 1, 0),
+                      img.pixel(0, img.height() - 1), img.pixel(img.width() - 1, img.height() - 1)};
+    for (QRgb a : c)
+        if (std::count(std::begin(c), std::end(c), a) >= 2) return a;
+    return c[3];
+}
+
 bool bare(const QImage& img) {
-    const QRgb bg = img.pixel(0, 0);
+    const QRgb bg = background(img);
     for (int y = 0; y < img.height(); y += 7)
         for (int x = 0; x < img.width(); x += 7)
             if (img.pixel(x, y) != bg) return false;
@@ -25,7 +35,7 @@ bool bare(const QImage& img) {
 }
 
 QRect content(const QImage& img) {
-    const QRgb bg = img.pixel(0, 0);
+    const QRgb bg = background(img);
     int l = img.width(), t = img.height(), r = -1, b = -1;
     for (int y = 0; y < img.height(); ++y) {
         const auto* line = reinterpret_cast<const QRgb*>(img.constScanLine(y));
