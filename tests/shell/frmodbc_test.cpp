@@ -9,6 +9,7 @@
 #include "shell/frmODBC.h"
 #include "tests/support/testsupport.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QFile>
 #include <QGroupBox>
@@ -213,6 +214,25 @@ TEST_F(FrmOdbcTest, SaveBuildsTheProfileAndSetsTheNames) {
         // The names as typed, from the boxes even when they are greyed out.
         EXPECT_EQ(gServer, QString::fromUtf8(c.server));
         EXPECT_EQ(gDatabase, QString::fromUtf8(c.db));
+    }
+}
+
+// Enter in the driver box and in the text boxes moves on as Tab does.
+TEST_F(FrmOdbcTest, EnterMovesOn) {
+    QApplication::setActiveWindow(dlg().window());
+    const std::pair<QWidget*, QWidget*> steps[] = {
+        {drivers(), text("txtServer")},
+        {text("txtServer"), text("txtUID")},
+        {text("txtUID"), text("txtPWD")},
+        {text("txtPWD"), text("txtDatabase")},
+        {text("txtDatabase"), button("cmdCeshi")},
+    };
+    for (auto [from, to] : steps) {
+        SCOPED_TRACE(from->objectName().toStdString());
+        from->setFocus(Qt::OtherFocusReason);
+        QTest::keyClick(from, Qt::Key_Return);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(QApplication::focusWidget(), to);
     }
 }
 
