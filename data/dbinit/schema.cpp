@@ -192,8 +192,10 @@ std::string sqliteType(const Column& c) {
         return c.primaryKey ? "INTEGER PRIMARY KEY" : "INTEGER";
     case K::Money:
         return "REAL";
+    // A declared length lets the ODBC driver report a column size, so rows are fetched
+    // in blocks into buffers of that size; SQLite itself does not enforce it.
     case K::Text:
-        return "TEXT COLLATE VBTEXT";
+        return "VARCHAR(" + std::to_string(c.length) + ") COLLATE VBTEXT";
     // The declared names matter beyond SQLite: the ODBC driver reports DATETIME
     // columns as timestamps and BIT as a boolean, as SQL Server would.
     case K::Date:

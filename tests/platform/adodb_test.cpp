@@ -5,6 +5,7 @@
 #include "tests/support/testsupport.h"
 
 #include <QDate>
+#include <QFile>
 
 using namespace adodb;
 using testsupport::execSqlite;
@@ -304,6 +305,44 @@ TEST(AdodbProfile, ProviderItemDroppedTheRestAsItStands) {
         QStringLiteral("PROVIDER=MSDataShape;Driver=SQL Server;Server=h;UID=u;PWD=p;Database=d;"));
     EXPECT_EQ(p.odbc, QStringLiteral("Driver=SQL Server;Server=h;UID=u;PWD=p;Database=d;"));
     EXPECT_TRUE(p.shaped);
+}
+
+} // namespace
+
+namespace {
+
+// A user data source in a private odbc.ini: listed by SQLDataSources and reachable by a
+// DSN profile, with the compat extension named in the source itself.
+class DataSourceTest : public testsupport::DbTest {};
+
+TEST_F(DataSourceTest, UserDataSourceIsListedAndOpens) {
+    makeEmptyDatabase();
+    execSqlite(
+        dbPath(),
+        QStringLiteral("CREATE TABLE t (x TEXT COLLATE VBTEXT); INSERT INTO t VALUES ('甲')"));
+    const QString ini = tempPath() + QStringLiteral("/odbc.ini");
+    QFile f(ini);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(QStringLiteral("[orvane_test_dsn]\nDescription=OrvaneCG "
+                           "test\nDriver=SQLite3\nDatabase=%1\nLoadExt=%2\n")
+                .arg(dbPath(), testsupport::compatModule())
+                .toUtf8());
+    f.close();
+    const QByteArray previous = qgetenv("ODBCINI");
+    qputenv("ODBCINI", ini.toLocal8Bit());
+    bool listed = false;
+    for (const auto& ds : dataSources())
+        if (ds.name == QStringLiteral("orvane_test_dsn")) listed = true;
+    EXPECT_TRUE(listed);
+    Connection conn;
+    conn.Open(QStringLiteral("PROVIDER=MSDASQL;DSN=orvane_test_dsn;UID=;PWD=;"));
+    auto rs = conn.Execute(QStringLiteral("Select x+'乙' From t Where x='甲  '"));
+    ASSERT_FALSE(rs->EOF_());
+    EXPECT_EQ(rs->text(0), QStringLiteral("甲乙"));
+    if (previous.isEmpty())
+        qunsetenv("ODBCINI");
+    else
+        qputenv("ODBCINI", previous);
 }
 
 } // namespace

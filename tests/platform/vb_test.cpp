@@ -38,7 +38,10 @@ INSTANTIATE_TEST_SUITE_P(
                       NumericCase{u"1 2 3", false, 123}, // Val skips blanks anywhere
                       NumericCase{u"1,", false, 1}, NumericCase{u",1", false, 0},
                       NumericCase{u"1.2.3", false, 1.2}, NumericCase{u".5", true, 0.5},
-                      NumericCase{u"5.", true, 5}, NumericCase{u"１２", false, 0}));
+                      NumericCase{u"5.", true, 5}, NumericCase{u"１２", false, 0}),
+    [](const ::testing::TestParamInfo<NumericCase>& p) {
+        return "case" + std::to_string(p.index);
+    });
 
 TEST(Runtime, CStrOfDoublesIsTheShortestText) {
     EXPECT_EQ(CStr(7.0), QStringLiteral("7"));
