@@ -67,11 +67,20 @@ TEST(MenuTest, RealPopupAtTheMouse) {
         {{Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}, 3, "删除"},
     };
     for (const Case& c : cases) {
-        QTimer::singleShot(50, [&c] {
+        // Waits for the popup (a loaded machine may be slow to show it), then types.
+        QTimer poll;
+        int tries = 0;
+        QObject::connect(&poll, &QTimer::timeout, [&] {
             QWidget* popup = QApplication::activePopupWidget();
-            if (!popup) return;
+            if (!popup && ++tries < 250) return;
+            poll.stop();
+            if (!popup) {
+                ADD_FAILURE() << "the popup did not show";
+                return;
+            }
             for (Qt::Key k : c.keys) QTest::keyClick(popup, k);
         });
+        poll.start(20);
         Menu m;
         EXPECT_EQ(m.rightMenu(kItems), c.id);
         EXPECT_EQ(m.SelMenuString(), QString::fromUtf8(c.caption));
