@@ -18,9 +18,9 @@
 namespace vb {
 
 // ---- model -----------------------------------------------------------------------------
-// Grid row 0 is the fixed header row; the view shows it as its horizontal header, so it
-// stays in place while the rows scroll, as the legacy grid's fixed row does. Model row r
-// is grid row r + 1.
+// With a fixed row, grid row 0 is the header row; the view shows it as its horizontal
+// header, so it stays in place while the rows scroll, as the legacy grid's fixed row does,
+// and model row r is grid row r + 1. With FixedRows 0 every grid row is a model row.
 
 FlexGridModel::FlexGridModel(QObject* parent) : QAbstractTableModel(parent) {
     m_cells.assign(static_cast<size_t>(m_rows * m_cols), QString());
@@ -28,7 +28,7 @@ FlexGridModel::FlexGridModel(QObject* parent) : QAbstractTableModel(parent) {
 }
 
 int FlexGridModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : std::max(0, m_rows - 1);
+    return parent.isValid() ? 0 : std::max(0, m_rows - off());
 }
 
 int FlexGridModel::columnCount(const QModelIndex& parent) const {
@@ -64,7 +64,7 @@ Qt::Alignment toQt(int align, bool numeric) {
 
 QVariant FlexGridModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
-    const int r = index.row() + 1;
+    const int r = index.row() + off();
     const int c = index.column();
     switch (role) {
     case Qt::DisplayRole:
@@ -137,10 +137,10 @@ QString FlexGridModel::text(int row, int col) const {
 void FlexGridModel::setText(int row, int col, const QString& t) {
     if (row < 0 || row >= m_rows || col < 0 || col >= m_cols) vb::raise(errSubscript);
     m_cells[static_cast<size_t>(row * m_cols + col)] = t;
-    if (row == 0) {
+    if (row < off()) {
         Q_EMIT headerDataChanged(Qt::Horizontal, col, col);
     } else {
-        const QModelIndex i = index(row - 1, col);
+        const QModelIndex i = index(row - off(), col);
         Q_EMIT dataChanged(i, i);
     }
 }
@@ -152,10 +152,10 @@ void FlexGridModel::setRowTexts(int row, const QStringList& texts) {
 
 void FlexGridModel::insertRowAt(int row, const QStringList& texts) {
     if (row < 0 || row > m_rows) vb::raise(errSubscript);
-    if (row == 0) {
+    if (row < off()) {
         beginResetModel();
     } else {
-        beginInsertRows(QModelIndex(), row - 1, row - 1);
+        beginInsertRows(QModelIndex(), row - off(), row - off());
     }
     std::vector<QString> fresh(static_cast<size_t>(m_cols));
     for (int c = 0; c < std::min<int>(m_cols, static_cast<int>(texts.size())); ++c)
@@ -163,7 +163,7 @@ void FlexGridModel::insertRowAt(int row, const QStringList& texts) {
     m_cells.insert(m_cells.begin() + static_cast<long>(row) * m_cols, fresh.begin(), fresh.end());
     ++m_rows;
     m_cellAlign.clear();
-    if (row == 0)
+    if (row < off())
         endResetModel();
     else
         endInsertRows();
@@ -171,15 +171,15 @@ void FlexGridModel::insertRowAt(int row, const QStringList& texts) {
 
 void FlexGridModel::removeRowAt(int row) {
     if (row < 0 || row >= m_rows) vb::raise(errSubscript);
-    if (row == 0)
+    if (row < off())
         beginResetModel();
     else
-        beginRemoveRows(QModelIndex(), row - 1, row - 1);
+        beginRemoveRows(QModelIndex(), row - off(), row - off());
     const auto first = m_cells.begin() + static_cast<long>(row) * m_cols;
     m_cells.erase(first, first + m_cols);
     --m_rows;
     m_cellAlign.clear();
-    if (row == 0)
+    if (row < off())
         endResetModel();
     else
         endRemoveRows();
@@ -201,7 +201,7 @@ void FlexGridModel::resetData(int rows, int cols, std::vector<QString> cells) {
 void FlexGridModel::setColAlignment(int col, int align) {
     if (col < 0 || col >= m_cols) vb::raise(errSubscript);
     m_colAlign[static_cast<size_t>(col)] = align;
-    if (m_rows > 1) Q_EMIT dataChanged(index(0, col), index(m_rows - 2, col));
+    if (m_rows > off()) Q_EMIT dataChanged(index(0, col), index(m_rows - off() - 1, col));
     Q_EMIT headerDataChanged(Qt::Horizontal, col, col);
 }
 
@@ -219,7 +219,7 @@ void FlexGridModel::setCellAlignment(int row, int col, int align) {
             return;
         }
     m_cellAlign.emplace_back(key, align);
-    if (row > 0) Q_EMIT dataChanged(index(row - 1, col), index(row - 1, col));
+    if (row >= off()) Q_EMIT dataChanged(index(row - off(), col), index(row - off(), col));
 }
 
 void FlexGridModel::setSelectionRect(int r1, int c1, int r2, int c2) {
@@ -228,9 +228,10 @@ void FlexGridModel::setSelectionRect(int r1, int c1, int r2, int c2) {
     m_selC1 = c1;
     m_selR2 = r2;
     m_selC2 = c2;
-    const int lo = std::max(1, std::min({o1 < 0 ? r1 : o1, r1, r2}));
+    const int lo = std::max(off(), std::min({o1 < 0 ? r1 : o1, r1, r2}));
     const int hi = std::min(m_rows - 1, std::max({o2, r1, r2}));
-    if (hi >= lo && m_cols > 0) Q_EMIT dataChanged(index(lo - 1, 0), index(hi - 1, m_cols - 1));
+    if (hi >= lo && m_cols > 0)
+        Q_EMIT dataChanged(index(lo - off(), 0), index(hi - off(), m_cols - 1));
 }
 
 // ---- view ------------------------------------------------------------------------------
@@ -272,6 +273,7 @@ void FlexGrid::setCols(int n) {
 
 void FlexGrid::setFixedRows(int n) {
     m_model->setFixedRows(n);
+    horizontalHeader()->setVisible(n > 0);
     viewport()->update();
 }
 
@@ -324,12 +326,14 @@ void FlexGrid::syncSelection() {
 
 int FlexGrid::TopRow() const {
     const int r = rowAt(0);
-    return r < 0 ? (Rows() > 1 ? 1 : 0) : r + 1;
+    const int o = m_model->off();
+    return r < 0 ? (Rows() > o ? o : 0) : r + o;
 }
 
 void FlexGrid::setTopRow(int r) {
-    if (r < 1 || r >= Rows()) return;
-    scrollTo(m_model->index(r - 1, 0), QAbstractItemView::PositionAtTop);
+    const int o = m_model->off();
+    if (r < o || r >= Rows()) return;
+    scrollTo(m_model->index(r - o, 0), QAbstractItemView::PositionAtTop);
 }
 
 QString FlexGrid::TextMatrix(int row, int col) const {
@@ -394,17 +398,19 @@ void FlexGrid::setColWidth(int col, int tw) {
 
 int FlexGrid::RowHeight(int row) const {
     if (row < 0 || row >= Rows()) vb::raise(errSubscript);
-    if (row == 0) return toTwips(horizontalHeader()->height());
-    return toTwips(rowHeight(row - 1));
+    const int o = m_model->off();
+    if (row < o) return toTwips(horizontalHeader()->height());
+    return toTwips(rowHeight(row - o));
 }
 
 void FlexGrid::setRowHeight(int row, int tw) {
     if (row < 0 || row >= Rows()) vb::raise(errSubscript);
-    if (row == 0) {
+    const int o = m_model->off();
+    if (row < o) {
         horizontalHeader()->setFixedHeight(twips(tw));
         return;
     }
-    QTableView::setRowHeight(row - 1, twips(tw));
+    QTableView::setRowHeight(row - o, twips(tw));
 }
 
 void FlexGrid::setColAlignment(int col, int align) {
@@ -475,9 +481,10 @@ QRect FlexGrid::cellRect(int row, int col) const {
     if (row < 0 || row >= Rows() || col < 0 || col >= Cols()) return {};
     const int x = columnViewportPosition(col) + viewport()->x();
     const int w = columnWidth(col);
-    if (row == 0) return QRect(x, horizontalHeader()->y(), w, horizontalHeader()->height());
-    const int y = rowViewportPosition(row - 1) + viewport()->y();
-    return QRect(x, y, w, QTableView::rowHeight(row - 1));
+    const int o = m_model->off();
+    if (row < o) return QRect(x, horizontalHeader()->y(), w, horizontalHeader()->height());
+    const int y = rowViewportPosition(row - o) + viewport()->y();
+    return QRect(x, y, w, QTableView::rowHeight(row - o));
 }
 
 int FlexGrid::CellLeft() const {
@@ -574,7 +581,7 @@ void FlexGrid::keyPressEvent(QKeyEvent* e) {
     }
     if (r != m_row || c != m_col) {
         setCurrent(r, c, (e->modifiers() & Qt::ShiftModifier) != 0);
-        if (r >= 1) scrollTo(m_model->index(r - 1, c));
+        if (r >= m_model->off()) scrollTo(m_model->index(r - m_model->off(), c));
     }
 }
 
@@ -582,7 +589,7 @@ void FlexGrid::mousePressEvent(QMouseEvent* e) {
     const QPoint p = e->position().toPoint();
     const QModelIndex i = indexAt(p);
     if (i.isValid()) {
-        const int r = i.row() + 1;
+        const int r = i.row() + m_model->off();
         const int c = i.column();
         if (r >= FixedRows() && c >= FixedCols())
             setCurrent(r, c, (e->modifiers() & Qt::ShiftModifier) != 0);
@@ -610,8 +617,8 @@ void FlexGrid::mouseMoveEvent(QMouseEvent* e) {
     const QPoint g = mapFromGlobal(e->globalPosition().toPoint());
     if ((e->buttons() & Qt::LeftButton)) {
         const QModelIndex i = indexAt(e->position().toPoint());
-        if (i.isValid() && i.row() + 1 >= FixedRows() && i.column() >= FixedCols()) {
-            m_rowSel = i.row() + 1;
+        if (i.isValid() && i.row() + m_model->off() >= FixedRows() && i.column() >= FixedCols()) {
+            m_rowSel = i.row() + m_model->off();
             m_colSel = i.column();
             syncSelection();
         }

@@ -52,7 +52,13 @@ public:
     void setColAlignment(int col, int align);
     int colAlignment(int col) const;
     void setCellAlignment(int row, int col, int align);
-    void setFixedRows(int n) { m_fixedRows = n; }
+    // A fixed row is shown as the view's header; without one, row 0 is a row like any.
+    void setFixedRows(int n) {
+        beginResetModel();
+        m_fixedRows = n;
+        endResetModel();
+    }
+    int off() const { return m_fixedRows > 0 ? 1 : 0; }
     void setFixedCols(int n) { m_fixedCols = n; }
     int fixedRows() const { return m_fixedRows; }
     int fixedCols() const { return m_fixedCols; }

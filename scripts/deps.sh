@@ -4,7 +4,7 @@ ORVANE_PACKAGES=(
   qt6-base-dev qt6-base-dev-tools libqt6sql6-odbc libgl-dev
   unixodbc unixodbc-dev odbcinst libsqliteodbc libsqlite3-dev sqlite3 tdsodbc
   googletest libgtest-dev libbenchmark-dev
-  xvfb xauth fonts-noto-cjk
+  xvfb xauth libxtst6 fonts-noto-cjk
 )
 
 ensure_packages() {

@@ -6,6 +6,7 @@
 #include "platform/maskedbox.h"
 
 #include <QAbstractItemModelTester>
+#include <QHeaderView>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -113,6 +114,30 @@ TEST(FlexGrid, BindCopiesRowsAndAnEmptyBindKeepsOneBlankRow) {
     EXPECT_EQ(g.Rows(), 2);
     EXPECT_EQ(g.TextMatrix(1, 1), QString());
     EXPECT_EQ(g.TextMatrix(0, 2), QStringLiteral("预定价格"));
+}
+
+TEST(FlexGrid, WithoutAFixedRowRowZeroIsAnOrdinaryRow) {
+    FlexGrid g;
+    QAbstractItemModelTester tester(g.gridModel(),
+                                    QAbstractItemModelTester::FailureReportingMode::Fatal);
+    g.setCols(2);
+    g.setFixedRows(0);
+    g.setFixedCols(0);
+    g.setRows(3);
+    g.setTextMatrix(0, 1, QStringLiteral("A 马克思主义"));
+    EXPECT_EQ(g.gridModel()->rowCount(), 3);
+    EXPECT_EQ(g.gridModel()->data(g.gridModel()->index(0, 1), Qt::DisplayRole).toString(),
+              QStringLiteral("A 马克思主义"));
+    EXPECT_TRUE(g.horizontalHeader()->isHidden());
+    g.setRow(0);
+    EXPECT_EQ(g.Row(), 0);
+    g.AddItem(QStringLiteral("x\tB 哲学"), 0);
+    EXPECT_EQ(g.TextMatrix(1, 1), QStringLiteral("A 马克思主义"));
+    g.RemoveItem(0);
+    EXPECT_EQ(g.TextMatrix(0, 1), QStringLiteral("A 马克思主义"));
+    g.resize(300, 200);
+    g.show();
+    EXPECT_EQ(g.cellRect(0, 0).y(), g.viewport()->y());
 }
 
 TEST(FlexGrid, CellGeometryFollowsColumnsAndScrolling) {
