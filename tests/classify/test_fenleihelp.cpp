@@ -247,7 +247,7 @@ TEST_F(FenleiForm, ShippedOutlineBesideTheProgram) {
 }
 
 // The grid has no fixed row: the first class is a row like the others, not a heading.
-TEST_F(FenleiForm, DISABLED_FirstLineIsAnOrdinaryRow) {
+TEST_F(FenleiForm, FirstLineIsAnOrdinaryRow) {
     ASSERT_TRUE(writeOutline(path, sampleOutline()));
     open();
     pick(grid1(), rowOf(QStringLiteral("T 工业类")));

@@ -346,3 +346,37 @@ TEST_F(DataSourceTest, UserDataSourceIsListedAndOpens) {
 }
 
 } // namespace
+
+namespace {
+
+// Rows come in blocks into buffers of the declared column size; a text longer than its
+// column said (SQLite does not enforce lengths) must still arrive whole.
+class FetchPaths : public testsupport::DbTest {};
+
+TEST_F(FetchPaths, BoundBlocksAndLongerThanDeclaredTextsArriveWhole) {
+    makeEmptyDatabase();
+    QString sql = QStringLiteral("CREATE TABLE v (id INTEGER, s VARCHAR(4), t TEXT);");
+    for (int i = 0; i < 600; ++i) // more rows than one block
+        sql += QStringLiteral("INSERT INTO v VALUES (%1,'%2','长%1');").arg(i).arg(i % 10);
+    sql += QStringLiteral("INSERT INTO v VALUES (600,'这一段文字比声明的长度长得多','x');");
+    execSqlite(dbPath(), sql);
+    Connection conn;
+    conn.Open(profile());
+    auto rs = conn.Execute(QStringLiteral("Select id,s From v Order by id"));
+    long n = 0;
+    QString last;
+    while (!rs->EOF_()) {
+        if (n < 600) {
+            EXPECT_EQ(rs->text(1), QString::number(n % 10));
+        }
+        last = rs->text(1);
+        rs->MoveNext();
+        ++n;
+    }
+    EXPECT_EQ(n, 601);
+    EXPECT_EQ(last, QStringLiteral("这一段文字比声明的长度长得多"));
+    auto t = conn.Execute(QStringLiteral("Select t From v Where id=599"));
+    EXPECT_EQ(t->text(0), QStringLiteral("长599"));
+}
+
+} // namespace
