@@ -1,13 +1,17 @@
 #include "cardcli.h"
 
 #include "carddriver.h"
+#include "cardgbk.h"
 #include "platform/errors.h"
 #include "platform/gbk.h"
 
 #include <QFile>
 #include <QIODevice>
 
+#include <algorithm>
 #include <cstring>
+#include <thread>
+#include <vector>
 
 namespace card {
 
@@ -24,12 +28,6 @@ bool onlyLineBreaks(const char* data, qsizetype size) {
     return true;
 }
 
-bool isAscii(const QByteArray& b) {
-    for (char c : b)
-        if (static_cast<unsigned char>(c) >= 0x80) return false;
-    return true;
-}
-
 class Writer {
 public:
     Writer(QIODevice& dev, bool gbkOutput) : m_dev(dev), m_gbk(gbkOutput) {}
@@ -38,13 +36,17 @@ public:
     Writer& operator=(const Writer&) = delete;
 
     void write(const QString& text) {
-        m_buf += m_gbk ? gbk::encode(text) : text.toUtf8();
+        m_buf += m_gbk ? cardgbk::encode(text) : text.toUtf8();
         if (m_buf.size() >= kWriteChunk) flush();
     }
     void writeRaw(const char* s) { m_buf += s; }
+    void writeBytes(const QByteArray& bytes) {
+        m_buf += bytes;
+        if (m_buf.size() >= kWriteChunk) flush();
+    }
     void flush() {
         if (!m_buf.isEmpty()) m_dev.write(m_buf);
-        m_buf.clear();
+        m_buf.resize(0); // keeps its room
     }
 
 private:
@@ -52,6 +54,60 @@ private:
     bool m_gbk;
     QByteArray m_buf;
 };
+
+// A layout's text for the output: its CR LF become plain line ends, its last line is ended.
+QByteArray encodeLines(const QString& text, bool gbkOutput) {
+    QByteArray b = gbkOutput ? cardgbk::encode(text) : text.toUtf8();
+    char* d = b.data();
+    const qsizetype n = b.size();
+    qsizetype w = 0, i = 0;
+    while (i < n) {
+        const void* cr = std::memchr(d + i, '\r', size_t(n - i));
+        const qsizetype j = cr ? static_cast<const char*>(cr) - d : n;
+        if (w != i) std::memmove(d + w, d + i, size_t(j - i));
+        w += j - i;
+        i = j;
+        if (i < n) {
+            if (i + 1 < n && d[i + 1] == '\n') {
+                ++i; // the CR of a CR LF
+            } else {
+                d[w++] = d[i++]; // a lone CR stays
+            }
+        }
+    }
+    b.truncate(w);
+    if (w == 0 || b.back() != '\n') b += '\n';
+    return b;
+}
+
+// One record made ready for the output: its bytes, or the lines for standard error.
+struct Rendered {
+    bool ok = false;
+    QByteArray out;
+    QString err;
+};
+
+// `where` names the record in messages; it is made only when there is one to write.
+template <class Where>
+Rendered render(const QByteArray& raw, const CliOptions& options, Where&& where) {
+    Rendered d;
+    const RecordOutput r = formatRecord(raw, options.layout);
+    for (const QString& m : r.messages) d.err += where() + m + u'\n';
+    d.ok = r.ok;
+    if (r.ok)
+        d.out = encodeLines(r.text, options.gbkOutput);
+    else
+        d.err += where() + r.error + u'\n';
+    return d;
+}
+
+// Records are formatted a batch at a time on every core, and written in their order.
+constexpr size_t kBatch = 2048;
+
+int workerCount() {
+    const unsigned n = std::thread::hardware_concurrency();
+    return int(std::clamp(n, 1u, 8u));
+}
 
 // Reads a device to its end, handing over each record as soon as it is complete.
 bool splitDevice(QIODevice& dev, const RecordSplitter::RecordFn& onRecord) {
@@ -168,10 +224,14 @@ void RecordSplitter::finish() {
 }
 
 MarcText recordText(const QByteArray& raw) {
-    // Most of a record is ASCII; such a record is its own GBK form.
-    if (isAscii(raw)) return MarcText(QString::fromLatin1(raw), QByteArray(raw.data(), raw.size()));
-    QString text = gbk::decode(raw);
-    QByteArray bytes = gbk::encode(text); // not `raw`: a bad byte pair reads back as "?"
+    bool exact = false;
+    std::vector<int32_t> charAt;
+    QString text = cardgbk::decode(raw.constData(), raw.size(), &exact, &charAt);
+    // Usually the bytes are the text's own GBK form, and the fields are cut out of this
+    // decoding. Where they are not (a bad byte pair reads back as "?"), the cuts are made
+    // on what the text encodes to.
+    if (exact) return MarcText(std::move(text), raw, std::move(charAt));
+    QByteArray bytes = cardgbk::encode(text);
     return MarcText(std::move(text), std::move(bytes));
 }
 
@@ -228,24 +288,52 @@ int runCardTool(const CliOptions& options, QIODevice& standardInput, QIODevice& 
             dev = &f;
         }
         int number = 0;
+        // The records of a batch are copied into one buffer, one after another.
+        QByteArray batchBytes;
+        std::vector<std::pair<qsizetype, qsizetype>> batch; // offset and size in batchBytes
+        std::vector<Rendered> done;
+        auto flushBatch = [&] {
+            const int firstNumber = number - int(batch.size()) + 1;
+            done.assign(batch.size(), Rendered());
+            auto work = [&](size_t from, size_t to) {
+                for (size_t i = from; i < to; ++i) {
+                    const QByteArray raw = QByteArray::fromRawData(
+                        batchBytes.constData() + batch[i].first, batch[i].second);
+                    done[i] = render(raw, options, [&] {
+                        return QStringLiteral("orvane-card: %1: 第%2条记录: ")
+                            .arg(name)
+                            .arg(firstNumber + int(i));
+                    });
+                }
+            };
+            const size_t workers = std::min<size_t>(size_t(workerCount()), batch.size());
+            std::vector<std::thread> threads;
+            const size_t per = (batch.size() + workers - 1) / std::max<size_t>(workers, 1);
+            for (size_t t = 1; t < workers; ++t)
+                threads.emplace_back(work, t * per, std::min(batch.size(), (t + 1) * per));
+            work(0, std::min(batch.size(), per));
+            for (std::thread& t : threads) t.join();
+            for (const Rendered& d : done) {
+                if (!d.err.isEmpty()) e.write(d.err);
+                if (!d.ok) {
+                    if (status == 0) status = 1;
+                    continue;
+                }
+                if (!first) w.writeRaw("\f\n");
+                first = false;
+                w.writeBytes(d.out);
+            }
+            e.flush();
+            batch.clear();
+            batchBytes.resize(0); // keeps its room for the next batch
+        };
         const bool read = splitDevice(*dev, [&](const QByteArray& raw) {
             ++number;
-            RecordOutput r = formatRecord(raw, options.layout);
-            const QString where =
-                QStringLiteral("orvane-card: %1: 第%2条记录: ").arg(name).arg(number);
-            for (const QString& m : std::as_const(r.messages)) e.write(where + m + u'\n');
-            if (!r.ok) {
-                e.write(where + r.error + u'\n');
-                e.flush();
-                if (status == 0) status = 1;
-                return;
-            }
-            if (!first) w.writeRaw("\f\n");
-            first = false;
-            r.text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-            if (!r.text.endsWith(u'\n')) r.text += u'\n';
-            w.write(r.text);
+            batch.emplace_back(batchBytes.size(), raw.size());
+            batchBytes.append(raw);
+            if (batch.size() == kBatch) flushBatch();
         });
+        if (!batch.empty()) flushBatch();
         if (!read) {
             e.write(
                 QStringLiteral("orvane-card: 读取 %1 出错: %2\n").arg(name, dev->errorString()));

@@ -3,7 +3,6 @@
 #include "kapianfmt.h"
 #include "platform/vb.h"
 
-#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -11,9 +10,9 @@ namespace card {
 
 namespace {
 
-const QString kCrLf = QStringLiteral("\r\n");
-const QString kArea = QStringLiteral("·—");
-const QString kDots = QStringLiteral("···"); // three U+00B7
+constexpr QStringView kCrLf = u"\r\n";
+constexpr QStringView kArea = u"·—";
+constexpr QStringView kDots = u"···"; // three U+00B7
 
 enum class Rule {
     Isbn,
@@ -102,17 +101,27 @@ double prefixNumber(QStringView s) {
     return plain ? double(n) : vb::Val(s.toString());
 }
 
+QString cat(std::initializer_list<QStringView> parts) {
+    qsizetype n = 0;
+    for (QStringView p : parts) n += p.size();
+    QString r;
+    r.reserve(n);
+    for (QStringView p : parts) r += p;
+    return r;
+}
+
 // One numbered entry of a tracing section. A lone entry has no number; the second brings
 // "①" in front of the first, with the lone blank before "②" that our cards have always
 // had. From the eleventh on, entries are dropped.
-void addNumbered(QString& slot, int& traceCount, const QString& entry) {
+void addNumbered(QString& slot, int& traceCount, QStringView e1, QStringView e2 = {}) {
     if (traceCount == 1) {
-        slot = entry;
+        slot = cat({e1, e2});
     } else if (traceCount == 2) {
-        slot = QStringLiteral("①") + slot + QStringLiteral(" ②") + entry;
+        slot = cat({u"①", slot, u" ②", e1, e2});
     } else if (traceCount <= 10) {
         slot += QChar(char16_t(0x2460 + traceCount - 1));
-        slot += entry;
+        slot += e1;
+        slot += e2;
     }
     ++traceCount;
 }
@@ -123,68 +132,79 @@ struct Slots {
     int subjectCount = 1, authorCount = 1, classCount = 1; // traceCount of each section
 };
 
-void apply(Rule rule, QString& field, Slots& s, const MessageFn& message) {
-    QString t;
+// A slot that joins a repeated field behind a mark, or takes the first one as it is.
+void joinSlot(QString& slot, QStringView mark, QString&& t) {
+    if (slot.isEmpty()) {
+        slot = std::move(t);
+    } else {
+        slot += mark;
+        slot += t;
+    }
+}
+
+void apply(Rule rule, QStringView field, Slots& s, const MessageFn& message) {
+    using namespace card::view;
     switch (rule) {
     case Rule::Isbn:
-        t = Kapian010(field);
-        s.isbnText = s.isbnText.isEmpty() ? t : s.isbnText + kCrLf + QStringLiteral("  ") + t;
+        joinSlot(s.isbnText, u"\r\n  ", Kapian010(field));
         break;
     case Rule::Title:
         s.titleText = Kapian200(field, message);
         break; // the last 200 wins
     case Rule::Edition:
-        t = Kapian205(field);
-        s.edition205 = s.edition205.isEmpty() ? t : s.edition205 + QStringLiteral("；") + t;
+        joinSlot(s.edition205, u"；", Kapian205(field));
         break;
     case Rule::Area206:
-        t = Kapian206(field);
-        s.area206 = s.area206.isEmpty() ? t : s.area206 + QStringLiteral("；") + t;
+        joinSlot(s.area206, u"；", Kapian206(field));
         break;
     case Rule::Area207:
-        t = Kapian207(field);
-        s.area207 = s.area207.isEmpty() ? t : s.area207 + QStringLiteral("；") + t;
+        joinSlot(s.area207, u"；", Kapian207(field));
         break;
     case Rule::Area208:
         s.area208 = Kapian208(field);
         break;
     case Rule::Area230:
-        t = KapianZiduanA(field);
-        s.area230 = s.area230.isEmpty() ? kArea + t : s.area230 + QStringLiteral("；") + t;
+        s.area230 += s.area230.isEmpty() ? kArea : QStringView(u"；");
+        s.area230 += KapianZiduanA(field);
         break;
     case Rule::Publication:
         s.pubText = Kapian210(field);
         break;
     case Rule::Physical:
-        t = Kapian215(field);
-        s.physText = s.physText.isEmpty() ? t : s.physText + kCrLf + QStringLiteral("  ") + t;
+        joinSlot(s.physText, u"\r\n  ", Kapian215(field));
         break;
     case Rule::Series:
         // No test of T: an empty series still leaves its brackets.
-        s.seriesText += QStringLiteral("·—（") + Kapian225(field) + QStringLiteral("）");
+        s.seriesText += cat({u"·—（", Kapian225(field), u"）"});
         break;
     case Rule::Note:
-    case Rule::Note327:
-        t = rule == Rule::Note327 ? Kapian327(field) : KapianZiduanA(field);
-        s.noteText = s.noteText.isEmpty() ? kCrLf + kCrLf + QStringLiteral("  ") + t
-                                          : s.noteText + kArea + t;
+    case Rule::Note327: {
+        const QString t327 = rule == Rule::Note327 ? Kapian327(field) : QString();
+        const QStringView t = rule == Rule::Note327 ? QStringView(t327) : KapianZiduanA(field);
+        if (s.noteText.isEmpty()) {
+            s.noteText = cat({u"\r\n\r\n  ", t});
+        } else {
+            s.noteText += kArea;
+            s.noteText += t;
+        }
         break;
+    }
     case Rule::Note324:
         // A 324 starts the notes afresh: what came before it from 300 on is gone.
-        s.noteText = kCrLf + kCrLf + QStringLiteral("  ") + KapianZiduanA(field);
+        s.noteText = cat({u"\r\n\r\n  ", KapianZiduanA(field)});
         break;
     case Rule::Subject:
-        t = KapianZiduanA(field);
-        if (!t.isEmpty()) addNumbered(s.subjectTrace, s.subjectCount, t);
+        if (const QStringView t = KapianZiduanA(field); !t.isEmpty())
+            addNumbered(s.subjectTrace, s.subjectCount, t);
         break;
     case Rule::Author:
-        t = KapianZiduanA(field);
         // A tracing names a person by the first character alone.
-        if (!t.isEmpty()) addNumbered(s.authorTrace, s.authorCount, t.left(1) + kDots);
+        if (const QStringView t = KapianZiduanA(field); !t.isEmpty())
+            addNumbered(s.authorTrace, s.authorCount, t.left(1), kDots);
         break;
     case Rule::Class:
-        t = KapianZiduanA(field);
-        if (!t.isEmpty()) addNumbered(s.classTrace, s.classCount, t);
+        if (const QStringView t = KapianZiduanA(field); !t.isEmpty())
+            addNumbered(s.classTrace, s.classCount, t);
         break;
     case Rule::Class686:
         // Kapian686 consumes the field: the test takes its text and the entry is made from
@@ -233,43 +253,44 @@ std::optional<QString> showKapian(const MarcText& marc, const MessageFn& message
         const int pass = passIndex.of(dir->tag(j));
         if (pass >= 0) entries.push_back({pass, j, length, start});
     }
-    std::stable_sort(entries.begin(), entries.end(),
-                     [](const Entry& a, const Entry& b) { return a.pass < b.pass; });
+    // A record has a few dozen entries: an insertion sort, stable and without a buffer.
+    for (size_t i = 1; i < entries.size(); ++i) {
+        const Entry e = entries[i];
+        size_t k = i;
+        for (; k > 0 && entries[k - 1].pass > e.pass; --k) entries[k] = entries[k - 1];
+        entries[k] = e;
+    }
 
     Slots s;
+    QString scratch;
     for (const Entry& e : entries) {
         // fetchField: the closing 30 stays on the field.
-        QString field = midB(marc.bytes(), toLong(std::trunc(e.start) + dir->base + 1),
-                             toLong(std::trunc(e.length)));
+        const QStringView field = midB(marc, toLong(std::trunc(e.start) + dir->base + 1),
+                                       toLong(std::trunc(e.length)), scratch);
         apply(kPasses[e.pass].rule, field, s, message);
     }
 
-    if (!s.classTrace.isEmpty()) s.classTrace.prepend(QStringLiteral("Ⅳ."));
-    if (!s.subjectTrace.isEmpty()) s.subjectTrace.prepend(QStringLiteral("Ⅲ."));
-    if (!s.authorTrace.isEmpty()) s.authorTrace.prepend(QStringLiteral("Ⅱ."));
+    if (!s.classTrace.isEmpty()) s.classTrace.prepend(u"Ⅳ.");
+    if (!s.subjectTrace.isEmpty()) s.subjectTrace.prepend(u"Ⅲ.");
+    if (!s.authorTrace.isEmpty()) s.authorTrace.prepend(u"Ⅱ.");
     // A card without notes (or without an ISBN) keeps an empty line before the ISBN
     // lines, even when there are none.
-    if (!s.noteText.isEmpty() && !s.isbnText.isEmpty()) {
-        s.isbnText = kCrLf + QStringLiteral("  ") + s.isbnText;
-    } else {
-        s.isbnText = kCrLf + kCrLf + QStringLiteral("  ") + s.isbnText;
-    }
+    const QStringView isbnLead = !s.noteText.isEmpty() && !s.isbnText.isEmpty()
+                                     ? QStringView(u"\r\n  ")
+                                     : QStringView(u"\r\n\r\n  ");
     if (s.titleText.isEmpty()) return noTitleText();
 
-    const QString c = vb::Trim(s.titleText).left(1);
-    QString tracing;
-    if (!s.seriesText.isEmpty()) {
-        // Position 4 is the first character of the first series, behind its "·—（".
-        tracing =
-            QStringLiteral("  Ⅰ.①") + c + QStringLiteral("···②") + s.seriesText.mid(3, 1) + kDots;
-    } else {
-        tracing = QStringLiteral("  Ⅰ.") + c + kDots;
-    }
-    tracing += s.authorTrace + s.subjectTrace + QStringLiteral(" ") + s.classTrace;
+    const QString first = vb::Trim(s.titleText).left(1);
+    // With a series, its first character (position 4, behind "·—（") is traced too.
+    const QString tracingHead =
+        s.seriesText.isEmpty()
+            ? cat({u"  Ⅰ.", first, kDots})
+            : cat({u"  Ⅰ.①", first, u"···②", QStringView(s.seriesText).mid(3, 1), kDots});
 
-    return kCrLf + kCrLf + QStringLiteral("  ") + s.titleText + s.edition205 + s.area206 +
-           s.area207 + s.area208 + s.area230 + s.pubText + s.physText + s.seriesText + s.noteText +
-           s.isbnText + kCrLf + kCrLf + tracing;
+    return cat({kCrLf,         kCrLf,          u"  ",      s.titleText, s.edition205, s.area206,
+                s.area207,     s.area208,      s.area230,  s.pubText,   s.physText,   s.seriesText,
+                s.noteText,    isbnLead,       s.isbnText, kCrLf,       kCrLf,        tracingHead,
+                s.authorTrace, s.subjectTrace, u" ",       s.classTrace});
 }
 
 } // namespace card

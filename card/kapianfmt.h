@@ -33,4 +33,21 @@ QString Kapian686(QString& ziduan);
 // without a formatter of its own goes through it. Takes its text by value.
 QString KapianZiduanA(QString ziduan);
 
+// The same formatters over a view of the field variable, which each advances as its walk
+// consumes the variable. The card driver works on views into one decoding of the record.
+namespace view {
+QString Kapian010(QStringView& ziduan);
+QString Kapian200(QStringView& ziduan, const MessageFn& message);
+QString Kapian205(QStringView& ziduan);
+QString Kapian206(QStringView& ziduan);
+QString Kapian207(QStringView& ziduan);
+QString Kapian208(QStringView& ziduan);
+QString Kapian210(QStringView& ziduan);
+QString Kapian215(QStringView& ziduan);
+QString Kapian225(QStringView& ziduan);
+QString Kapian327(QStringView& ziduan);
+QString Kapian686(QStringView& ziduan);
+QStringView KapianZiduanA(QStringView ziduan);
+} // namespace view
+
 } // namespace card

@@ -1,7 +1,7 @@
 #include "marcreader.h"
 
+#include "card/cardgbk.h"
 #include "platform/errors.h"
-#include "platform/gbk.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 
@@ -55,22 +55,57 @@ MarcText::MarcText(QString text) : m_text(std::move(text)) {}
 MarcText::MarcText(QString text, QByteArray bytes)
     : m_text(std::move(text)), m_bytes(std::move(bytes)) {}
 
+MarcText::MarcText(QString text, QByteArray bytes, std::vector<int32_t> charAt)
+    : m_text(std::move(text)), m_bytes(std::move(bytes)) {
+    if (!charAt.empty()) m_decoded = Decoded{m_text, std::move(charAt)};
+}
+
 const QByteArray& MarcText::bytes() const {
-    if (!m_bytes) m_bytes = gbk::encode(m_text);
+    if (!m_bytes) m_bytes = cardgbk::encode(m_text);
     return *m_bytes;
 }
 
-QString mid(const QString& s, qsizetype start, qsizetype length) {
+const MarcText::Decoded& MarcText::decoded() const {
+    if (!m_decoded) {
+        Decoded d;
+        const QByteArray& b = bytes();
+        d.text = cardgbk::decode(b.constData(), b.size(), nullptr, &d.charAt);
+        m_decoded = std::move(d);
+    }
+    return *m_decoded;
+}
+
+QStringView MarcText::cut(qsizetype start, qsizetype length, QString& scratch) const {
+    if (length == 0) return QStringView();
+    const Decoded& d = decoded();
+    const qsizetype end = start + length;
+    if (!d.charAt.empty() && cardgbk::cutsDecodeAlike()) {
+        const int32_t from = d.charAt[size_t(start)];
+        const int32_t to = d.charAt[size_t(end)];
+        if (from >= 0 && to >= 0) return QStringView(d.text).mid(from, to - from);
+    }
+    scratch = cardgbk::decode(bytes().constData() + start, length);
+    return scratch;
+}
+
+QStringView mid(QStringView s, qsizetype start, qsizetype length) {
     if (start < 1 || length < 0) vb::raise(vb::errInvalidCall);
-    if (start > s.size()) return QString();
-    return s.mid(start - 1, length);
+    if (start > s.size()) return QStringView();
+    return s.mid(start - 1, std::min(length, s.size() - (start - 1)));
+}
+
+QStringView midB(const MarcText& marc, qsizetype start, qsizetype length, QString& scratch) {
+    if (start < 1 || length < 0) vb::raise(vb::errInvalidCall);
+    const qsizetype size = marc.bytes().size();
+    if (start > size) return QStringView();
+    return marc.cut(start - 1, std::min(length, size - (start - 1)), scratch);
 }
 
 QString midB(const QByteArray& bytes, qsizetype start, qsizetype length) {
     if (start < 1 || length < 0) vb::raise(vb::errInvalidCall);
     if (start > bytes.size()) return QString();
     const qsizetype n = std::min(length, bytes.size() - (start - 1));
-    return gbk::decode(bytes.constData() + (start - 1), n);
+    return cardgbk::decode(bytes.constData() + (start - 1), n);
 }
 
 qsizetype toLong(double d) {
@@ -80,16 +115,16 @@ qsizetype toLong(double d) {
     return qsizetype(d);
 }
 
-int16_t byteLength16(const QString& s) {
-    const qsizetype n = gbk::byteLength(s);
+int16_t byteLength16(QStringView s) {
+    const qsizetype n = cardgbk::byteLength(s);
     if (n > 32767) vb::raise(vb::errOverflow);
     return int16_t(n);
 }
 
 std::optional<Directory> findDirectory(const QString& marc, const MessageFn& message) {
     Directory d;
-    d.leader = marc.left(24);
-    d.base = strictInt16(QStringView(d.leader).mid(12, 5));
+    d.leader = QStringView(marc).left(24);
+    d.base = strictInt16(d.leader.mid(12, 5));
     // One-based position of the first 30, held in a 16-bit variable as the form held it.
     const qsizetype pos = marc.indexOf(QChar(kFieldEnd)) + 1;
     if (pos > 32767) vb::raise(vb::errOverflow);
@@ -106,13 +141,14 @@ std::optional<Directory> findDirectory(const QString& marc, const MessageFn& mes
 std::optional<QString> showZiduan(const MarcText& marc, const MessageFn& message) {
     const auto dir = findDirectory(marc.text(), message);
     if (!dir) return std::nullopt;
-    QString out = dir->leader + kCrLf;
+    QString out = dir->leader.toString() + kCrLf;
+    QString scratch;
     for (int i = 0; i < dir->count; ++i) {
-        const QByteArray& bytes = marc.bytes();
         const double start = strictWhole(dir->startText(i));
         const double length = strictWhole(dir->lengthText(i));
         // The closing 30 stays out: one byte less than the directory says.
-        const QString field = midB(bytes, toLong(start + dir->base + 1), toLong(length - 1));
+        const QStringView field =
+            midB(marc, toLong(start + dir->base + 1), toLong(length - 1), scratch);
         out += dir->tag(i);
         out += field;
         out += kCrLf;

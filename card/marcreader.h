@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace card {
 
@@ -31,31 +32,47 @@ using MessageFn = std::function<void(const QString&)>;
 void msgBoxMessage(const QString& text);
 
 // The record text and its GBK form. The legacy reader converted the whole record once per
-// field it cut; the result is the same every time, so it is made once here.
+// field it cut; the result is the same every time, so it is made once here, and the fields
+// are cut out of one decoding of it.
 class MarcText {
 public:
     MarcText(QString text); // NOLINT: a record text is a MarcText
-    // `bytes` must equal gbk::encode(text); the command-line tool has both at hand.
+    // `bytes` must equal gbk::encode(text).
     MarcText(QString text, QByteArray bytes);
+    // A text decoded from `bytes` that encodes back to exactly them, with the character
+    // index of each byte that starts a character (-1 elsewhere, one entry past the end).
+    MarcText(QString text, QByteArray bytes, std::vector<int32_t> charAt);
 
     const QString& text() const { return m_text; }
     const QByteArray& bytes() const;
+    // `length` bytes from the zero-based byte `start` (both within the bytes), decoded. A
+    // view into the record's decoding when both ends fall between characters, else the
+    // piece decoded on its own into `scratch`.
+    QStringView cut(qsizetype start, qsizetype length, QString& scratch) const;
 
 private:
+    struct Decoded {
+        QString text;
+        std::vector<int32_t> charAt;
+    };
+    const Decoded& decoded() const;
+
     QString m_text;
     mutable std::optional<QByteArray> m_bytes;
+    mutable std::optional<Decoded> m_decoded;
 };
 
 // The leader and the directory, found the same way by both layouts.
+// Views into the record text, which must outlive it.
 struct Directory {
-    QString leader;   // the first 24 characters, no length check
-    int16_t base = 0; // base address of data
-    QString text;     // 12 characters per entry
+    QStringView leader; // the first 24 characters, no length check
+    int16_t base = 0;   // base address of data
+    QStringView text;   // 12 characters per entry
     int count = 0;
 
-    QStringView tag(int i) const { return QStringView(text).mid(12 * i, 3); }
-    QStringView lengthText(int i) const { return QStringView(text).mid(12 * i + 3, 4); }
-    QStringView startText(int i) const { return QStringView(text).mid(12 * i + 7, 5); }
+    QStringView tag(int i) const { return text.mid(12 * i, 3); }
+    QStringView lengthText(int i) const { return text.mid(12 * i + 3, 4); }
+    QStringView startText(int i) const { return text.mid(12 * i + 7, 5); }
 };
 
 // Base address (strict, 16-bit), directory up to the first character 30, the length check.
@@ -73,38 +90,53 @@ std::optional<QString> showZiduan(const MarcText& marc, const MessageFn& message
 
 // Mid(s, start, length), one-based: a start below 1 or a negative length is error 5; a
 // start past the end gives "", a length past the end gives the rest.
-QString mid(const QString& s, qsizetype start, qsizetype length);
-// The same over bytes (MidB on the GBK form), decoded from GBK.
+QStringView mid(QStringView s, qsizetype start, qsizetype length);
+// MidB on the record's GBK form, decoded: the same rules over bytes.
+QStringView midB(const MarcText& marc, qsizetype start, qsizetype length, QString& scratch);
 QString midB(const QByteArray& bytes, qsizetype start, qsizetype length);
 // A number of the legacy runtime handed on as a Long: outside 32 bits is error 6.
 qsizetype toLong(double d);
 
 // Byte count of a text in GBK as a signed 16-bit number: above 32767 is error 6.
-int16_t byteLength16(const QString& s);
+int16_t byteLength16(QStringView s);
 
-// The subfield walk every formatter uses. `f` is consumed as the legacy loop consumed it:
-// afterwards it holds the remainder after its last character 31 (the last subfield's code
-// and value), or is untouched when it has no 31. For every subfield, `onSubfield(code,
-// value)` is called; code is 0 where the field ends right behind a delimiter. The last
-// value keeps whatever ends the field, so a field cut for the card keeps its character 30
-// there. Two delimiters in a row are error 5.
-template <class Fn> void walkSubfields(QString& f, Fn&& onSubfield) {
+// The subfield walk every formatter uses, over the formatter's field variable F. For every
+// subfield, `onSubfield(code, value)` is called; code is 0 where the field ends right
+// behind a delimiter. The last value keeps whatever ends the field, so a field cut for the
+// card keeps its character 30 there. Two delimiters in a row are error 5.
+//
+// The legacy loop cut F down as it went, and left it holding the remainder after its last
+// character 31 (the last subfield's code and value): the walk returns how many characters
+// it took off the front, 0 when F has no 31.
+template <class Fn> qsizetype walkSubfields(QStringView f, Fn&& onSubfield) {
     // L is taken once, in bytes, as a 16-bit number; with it the last value runs to the end.
     const qsizetype L = byteLength16(f);
+    const char16_t* const d = f.utf16();
+    const qsizetype n = f.size();
+    auto next31 = [d, n](qsizetype from) -> qsizetype {
+        for (qsizetype i = from; i < n; ++i)
+            if (d[i] == kSubfield) return i;
+        return -1;
+    };
     qsizetype off = 0; // the loop's F is f from `off` on
-    while (off < f.size()) {
-        const qsizetype i1 = f.indexOf(QChar(kSubfield), off);
+    while (off < n) {
+        const qsizetype i1 = next31(off);
         if (i1 < 0) break;
         const qsizetype p1 = i1 - off + 1; // one-based in F
-        const qsizetype i2 = f.indexOf(QChar(kSubfield), i1 + 1);
-        const char16_t code = i1 + 1 < f.size() ? f.at(i1 + 1).unicode() : char16_t(0);
+        const qsizetype i2 = next31(i1 + 1);
+        const char16_t code = i1 + 1 < n ? d[i1 + 1] : char16_t(0);
         // Mid(F, p1 + 2, n); F is a tail of f, so the same cut of f ends where F ends.
         const qsizetype length = i2 >= 0 ? i2 - i1 - 2 : L - p1;
-        const QString value = mid(f, off + p1 + 2, length);
-        onSubfield(code, value);
+        onSubfield(code, mid(f, off + p1 + 2, length));
         off = i1 + 1;
     }
-    if (off > 0) f.remove(0, off);
+    return off;
+}
+
+// The walk on a variable: the variable is consumed as the legacy loop consumed it.
+template <class Fn> void walkSubfields(QString& f, Fn&& onSubfield) {
+    const qsizetype taken = walkSubfields(QStringView(f), onSubfield);
+    if (taken > 0) f.remove(0, taken);
 }
 
 } // namespace card

@@ -225,15 +225,16 @@ TEST(CardReader, CardFieldKeepsItsClosingCharacter) {
 TEST(CardWalk, ConsumesTheFieldAndKeepsTheLastValueWhole) {
     QString f = in(QStringLiteral("1 ␟a数据␟b␟c丙丁␞"));
     QStringList seen;
-    card::walkSubfields(
-        f, [&](char16_t code, const QString& v) { seen << QString(QChar(code)) + u'=' + vis(v); });
+    card::walkSubfields(f, [&](char16_t code, QStringView v) {
+        seen << QString(QChar(code)) + u'=' + vis(v.toString());
+    });
     // $b is a legal empty value; the last value runs to the end of the field.
     EXPECT_EQ(seen, (QStringList{"a=数据", "b=", "c=丙丁␞"}));
     EXPECT_EQ(vis(f), QStringLiteral("c丙丁␞"));
 
     // Walked again, the remainder has no delimiter: nothing, and nothing changes.
     seen.clear();
-    card::walkSubfields(f, [&](char16_t code, const QString&) { seen << QString(QChar(code)); });
+    card::walkSubfields(f, [&](char16_t code, QStringView) { seen << QString(QChar(code)); });
     EXPECT_TRUE(seen.isEmpty());
     EXPECT_EQ(vis(f), QStringLiteral("c丙丁␞"));
 }
@@ -241,8 +242,9 @@ TEST(CardWalk, ConsumesTheFieldAndKeepsTheLastValueWhole) {
 TEST(CardWalk, DelimiterAtTheVeryEnd) {
     QString f = in(QStringLiteral("␟a甲␟"));
     QStringList seen;
-    card::walkSubfields(
-        f, [&](char16_t code, const QString& v) { seen << QString::number(code) + u'=' + v; });
+    card::walkSubfields(f, [&](char16_t code, QStringView v) {
+        seen << QString::number(code) + u'=' + v.toString();
+    });
     // The last delimiter has no code and no value; it is no failure.
     EXPECT_EQ(seen, (QStringList{"97=甲", "0="}));
     EXPECT_TRUE(f.isEmpty());
@@ -251,7 +253,7 @@ TEST(CardWalk, DelimiterAtTheVeryEnd) {
 TEST(CardWalk, FieldAbove32767BytesOverflows) {
     QString f = in(QStringLiteral("␟a")) + QString(16384, QChar(u'甲'));
     try {
-        card::walkSubfields(f, [](char16_t, const QString&) {});
+        card::walkSubfields(f, [](char16_t, QStringView) {});
         FAIL() << "no overflow";
     } catch (const vb::VbError& e) {
         EXPECT_EQ(e.number(), vb::errOverflow);
