@@ -1,0 +1,168 @@
+// The query builder's text on its own: operators per kind, conditions, dates given in
+// part, groups and the unclosed group, the order list, and the finished clauses.
+
+#include "query/findsql.h"
+
+#include <gtest/gtest.h>
+
+using findsql::Builder;
+using findsql::Field;
+
+namespace {
+
+const Field kTitle{QStringLiteral("bookname"), QStringLiteral("书名"), 0};
+const Field kCount{QStringLiteral("bookcount"), QStringLiteral("预定册数"), 1};
+const Field kDate{QStringLiteral("yddate"), QStringLiteral("预定日期"), 2};
+
+struct CondCase {
+    const Field* field;
+    const char16_t* fuhao;
+    const char16_t* value;
+    const char16_t* sql;
+};
+
+class Conditions : public ::testing::TestWithParam<CondCase> {};
+
+TEST_P(Conditions, EachOperatorOfEachKind) {
+    const CondCase& c = GetParam();
+    Builder b;
+    b.addCondition(*c.field, QString::fromUtf16(c.fuhao), QString::fromUtf16(c.value));
+    EXPECT_EQ(b.groupSql, QString::fromUtf16(c.sql));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    PerKind, Conditions,
+    ::testing::Values(
+        CondCase{&kTitle, u"等于", u"中国", u"bookname='中国'"},
+        CondCase{&kTitle, u"不等于", u"中国", u"bookname<>'中国'"},
+        CondCase{&kTitle, u"包含", u"中国", u"bookname Like '%中国%'"},
+        // Numbers go in bare, whatever was typed.
+        CondCase{&kCount, u"等于", u"3", u"bookcount=3"},
+        CondCase{&kCount, u"不等于", u"3", u"bookcount<>3"},
+        CondCase{&kCount, u"大于", u"3", u"bookcount>3"},
+        CondCase{&kCount, u"不小于", u"3", u"bookcount>=3"},
+        CondCase{&kCount, u"小于", u"abc", u"bookcount<abc"},
+        CondCase{&kCount, u"不大于", u"3.5", u"bookcount<=3.5"},
+        // A full date with 等于 is still a Like; 不等于 compares the text as it stands.
+        CondCase{&kDate, u"等于", u"2003-01-05",
+                 u"Convert(varchar(10),yddate,111) Like '2003/01/05'"},
+        CondCase{&kDate, u"等于", u"2003-__-__",
+                 u"Convert(varchar(10),yddate,111) Like '2003/__/__'"},
+        CondCase{&kDate, u"不等于", u"2003-__-__",
+                 u"Convert(varchar(10),yddate,111) <>'2003/__/__'"},
+        // Gaps are the highest digit for > and <=, the lowest for >= and <.
+        CondCase{&kDate, u"大于", u"2003-1_-__", u"Convert(varchar(10),yddate,111) >'2003/19/99'"},
+        CondCase{&kDate, u"不大于", u"2003-1_-__",
+                 u"Convert(varchar(10),yddate,111) <='2003/19/99'"},
+        CondCase{&kDate, u"不小于", u"2003-1_-__",
+                 u"Convert(varchar(10),yddate,111) >='2003/10/00'"},
+        CondCase{&kDate, u"小于", u"2003-__-__",
+                 u"Convert(varchar(10),yddate,111) <'2003/00/00'"}));
+
+TEST(FuhaoList, TextHasContainsNumbersAndDatesHaveTheComparisons) {
+    EXPECT_EQ(findsql::fuhaoList(0), (QStringList{QStringLiteral("等于"), QStringLiteral("不等于"),
+                                                  QStringLiteral("包含")}));
+    const QStringList ordered{QStringLiteral("等于"), QStringLiteral("不等于"),
+                              QStringLiteral("大于"), QStringLiteral("不小于"),
+                              QStringLiteral("小于"), QStringLiteral("不大于")};
+    EXPECT_EQ(findsql::fuhaoList(1), ordered);
+    EXPECT_EQ(findsql::fuhaoList(2), ordered);
+    EXPECT_EQ(findsql::fuhaoToSql(QStringLiteral("包含")), QStringLiteral("Like"));
+    EXPECT_EQ(findsql::fuhaoToSql(QStringLiteral("不小于")), QStringLiteral(">="));
+}
+
+TEST(Builder, AQuoteStandsDoubledInTheSqlAndInTheShownText) {
+    Builder b;
+    b.addCondition(kTitle, QStringLiteral("包含"), QStringLiteral("O'Brien"));
+    EXPECT_EQ(b.groupSql, QStringLiteral("bookname Like '%O''Brien%'"));
+    EXPECT_EQ(b.signText, QStringLiteral("书名'包含'O''Brien"));
+    Builder d;
+    d.addCondition(kDate, QStringLiteral("大于"), QStringLiteral("2003-0'-__"));
+    EXPECT_EQ(d.groupSql, QStringLiteral("Convert(varchar(10),yddate,111) >'2003/0''/99'"));
+}
+
+TEST(Builder, ConditionsJoinWithAndAndTheShownTextWithSemicolons) {
+    Builder b;
+    b.addCondition(kTitle, QStringLiteral("包含"), QStringLiteral("中国"));
+    b.addCondition(kCount, QStringLiteral("大于"), QStringLiteral("3"));
+    EXPECT_EQ(b.groupSql, QStringLiteral("bookname Like '%中国%' And bookcount>3"));
+    EXPECT_EQ(b.signText, QStringLiteral("书名'包含'中国;预定册数'大于'3"));
+}
+
+TEST(Builder, ClosedGroupsJoinWithOrInParentheses) {
+    Builder b;
+    EXPECT_FALSE(b.closeGroup()); // nothing to close
+    EXPECT_TRUE(b.totalTexts.isEmpty());
+    b.addCondition(kTitle, QStringLiteral("等于"), QStringLiteral("甲"));
+    b.addCondition(kCount, QStringLiteral("小于"), QStringLiteral("2"));
+    EXPECT_TRUE(b.closeGroup());
+    b.addCondition(kTitle, QStringLiteral("等于"), QStringLiteral("乙"));
+    EXPECT_TRUE(b.closeGroup());
+    EXPECT_EQ(b.mergedSql, QStringLiteral("(bookname='甲' And bookcount<2) OR (bookname='乙')"));
+    EXPECT_EQ(b.totalTexts, (QStringList{QStringLiteral("书名'等于'甲;预定册数'小于'2"),
+                                         QStringLiteral("书名'等于'乙")}));
+    EXPECT_TRUE(b.groupSql.isEmpty());
+    EXPECT_TRUE(b.signText.isEmpty());
+}
+
+struct FinishCase {
+    const char* name;
+    int closed; // groups closed before OK
+    bool open;  // a group left open at OK
+    bool order; // an order chosen
+    const char16_t* fixture;
+    const char16_t* where;
+    const char16_t* orderBy;
+};
+
+class Finish : public ::testing::TestWithParam<FinishCase> {};
+
+TEST_P(Finish, FoldsTheOpenGroupAndAddsTheFixedCondition) {
+    const FinishCase& c = GetParam();
+    Builder b;
+    const QString names[] = {QStringLiteral("甲"), QStringLiteral("乙"), QStringLiteral("丙")};
+    int n = 0;
+    for (int i = 0; i < c.closed; ++i) {
+        b.addCondition(kTitle, QStringLiteral("等于"), names[n++]);
+        b.closeGroup();
+    }
+    if (c.open) b.addCondition(kTitle, QStringLiteral("等于"), names[n++]);
+    if (c.order) b.addOrder(kDate, 1, QStringLiteral("降序"));
+    const findsql::Clause cl =
+        b.finish(QString::fromUtf16(c.fixture), QStringLiteral(" Where status=0"));
+    EXPECT_EQ(cl.where, QString::fromUtf16(c.where));
+    EXPECT_EQ(cl.order, QString::fromUtf16(c.orderBy));
+    // The builder is left holding the clauses, as the receiver gets them by reference.
+    EXPECT_EQ(b.mergedSql, cl.where);
+    EXPECT_EQ(b.orderSql, cl.order);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Clauses, Finish,
+    ::testing::Values(FinishCase{"OpenAloneLosesItsParentheses", 0, true, false, u"",
+                                 u" Where bookname='甲'", u""},
+                      FinishCase{"OpenAfterClosedIsOneMoreGroup", 1, true, false, u"",
+                                 u" Where (bookname='甲') OR (bookname='乙')", u""},
+                      FinishCase{"OpenAloneBehindFixture", 0, true, false, u" Where status=1",
+                                 u" Where status=1 AND (bookname='甲')", u""},
+                      FinishCase{"ClosedGroupsBehindFixture", 2, false, true, u" Where status=1",
+                                 u" Where status=1 AND ((bookname='甲') OR (bookname='乙'))",
+                                 u" Order By yddate Desc"},
+                      FinishCase{"OnlyAnOrderTakesTheWholeClause", 0, false, true,
+                                 u" Where status=1", u" Where status=0", u" Order By yddate Desc"}),
+    [](const ::testing::TestParamInfo<FinishCase>& i) { return std::string(i.param.name); });
+
+TEST(Builder, OrderListAndItsShownText) {
+    Builder b;
+    b.addOrder(kTitle, 0, QStringLiteral("升序"));
+    b.addOrder(kDate, 1, QStringLiteral("降序"));
+    EXPECT_EQ(b.orderSql, QStringLiteral("bookname Asc,yddate Desc"));
+    EXPECT_EQ(b.orderText, QStringLiteral("'书名'升;'预定日期'降"));
+    EXPECT_FALSE(b.isEmpty());
+    b.clear();
+    EXPECT_TRUE(b.isEmpty());
+    EXPECT_TRUE(b.orderText.isEmpty());
+    EXPECT_TRUE(b.totalTexts.isEmpty());
+}
+
+} // namespace
