@@ -19,9 +19,21 @@ void MarcTextBox::setText(const QString& text) {
     m_text = text;
     QString shown = text;
     shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    // The signs cataloguers know from MARC editors, which the CJK fonts also carry.
     for (QChar& c : shown) {
-        if (c.unicode() >= card::kRecordEnd && c.unicode() <= card::kSubfield)
-            c = QChar(char16_t(0x2400 + c.unicode())); // ␝ ␞ ␟
+        switch (c.unicode()) {
+        case card::kRecordEnd:
+            c = u'§';
+            break;
+        case card::kFieldEnd:
+            c = u'¶';
+            break;
+        case card::kSubfield:
+            c = u'‡';
+            break;
+        default:
+            break;
+        }
     }
     setPlainText(shown);
 }

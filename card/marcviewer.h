@@ -11,7 +11,7 @@
 
 // The form's Text1. It keeps the text exactly as it was given (CR LF, and the
 // character 30 that the card leaves on each field), and shows the record's control
-// characters 29, 30 and 31 by their visible symbols ␝ ␞ ␟.
+// characters 29, 30 and 31 as §, ¶ and ‡.
 class MarcTextBox : public QPlainTextEdit {
     Q_OBJECT
     Q_PROPERTY(QString text READ text WRITE setText)

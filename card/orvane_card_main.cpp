@@ -35,6 +35,7 @@ int view(int& argc, char** argv, const card::CliOptions& options, QFile& in, QFi
                       .toUtf8());
         vb::fatalError(e);
     }
+    vb::FormRegistry::destroyAll(); // the windows go before the application does
     return 0;
 }
 

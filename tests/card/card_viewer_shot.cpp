@@ -31,5 +31,6 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "card_viewer_shot: cannot write %s\n", argv[1]);
         return 1;
     }
+    vb::FormRegistry::destroyAll(); // the windows go before the application does
     return 0;
 }

@@ -90,7 +90,7 @@ TEST(CardViewer, ButtonsInAnyOrderGiveTheSameThreeTexts) {
     // The card text keeps the closing characters; the box shows them, it does not drop them.
     press(f, Kapian);
     EXPECT_TRUE(text(f).contains(QChar(30)));
-    EXPECT_TRUE(text1(f)->toPlainText().contains(QStringLiteral("·—第2版,张三修订␞")));
+    EXPECT_TRUE(text1(f)->toPlainText().contains(QStringLiteral("·—第2版,张三修订¶")));
 }
 
 TEST(CardViewer, ReturnUnloads) {
