@@ -5,6 +5,7 @@
 #include "card/carddriver.h"
 #include "card/marcreader.h"
 
+#include <QFile>
 #include <QProcess>
 
 #include <benchmark/benchmark.h>

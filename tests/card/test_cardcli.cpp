@@ -125,6 +125,28 @@ TEST(CardCli, BatchWithABadRecord) {
                        "orvane-card: (标准输入): 第5条记录: 地址目次区数据出现错误，校验失败！\n"));
 }
 
+TEST(CardCli, LongBatchKeepsOrderAndNumbers) {
+    // More records than one batch: the cards come out in input order on every core, and a
+    // bad record deep in the file is named by its number.
+    QByteArray input;
+    for (int i = 1; i <= 5000; ++i) {
+        if (i == 3001)
+            input += "00010nam0 22xxxxx   450 \x1e\x1d";
+        else
+            input += gbkRecord({{"200", QStringLiteral("␟a书%1␞").arg(i)}});
+    }
+    const ToolRun r = runTool({}, input);
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err,
+              QStringLiteral("orvane-card: (标准输入): 第3001条记录: 实时错误 '13': 类型不匹配\n"));
+    const QStringList cards = r.out.split(QStringLiteral("\f\n"));
+    ASSERT_EQ(cards.size(), 4999);
+    for (int k = 0; k < cards.size(); ++k) {
+        const int n = k < 3000 ? k + 1 : k + 2;
+        ASSERT_TRUE(cards[k].startsWith(QStringLiteral("\n\n  书%1\x1e\n").arg(n))) << k;
+    }
+}
+
 TEST(CardCli, FieldsRawAndGbkOutput) {
     const QByteArray input = gbkRecord(workedFields());
     ToolRun r = runTool({"--fields"}, input);
