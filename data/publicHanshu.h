@@ -21,3 +21,16 @@ int16_t fieldKind(const QString& name);
 // Writes one record into the grid Grid1 of `form`: into the current row when isEdit,
 // else into the blank first row or a new last row. Empty values leave their cells alone.
 void setGridRow(int isEdit, vb::Form& form, const QVariantList& values);
+
+// "yes" when the hyphenated ISBN-10 is sound, else the message that says why (length,
+// segments, digits, check digit). The check digit compares case-sensitively: "x" is wrong.
+QString checkIsbn(const QString& text);
+
+// A bare 10- or 13-digit number becomes a hyphenated ISBN-10 with a freshly computed check
+// digit, the segments found by the shortest publisher prefix in cbk. Anything else (and a
+// number without a known prefix) comes back without blanks but otherwise as it was.
+QString formatIsbn(const QString& text);
+
+// The ISBN-10 check character of nine digits ("0".."9" or "X"); empty when `nine` is not
+// nine digits.
+QString isbnCheckChar(const QString& nine);

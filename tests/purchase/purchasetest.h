@@ -1,0 +1,56 @@
+#pragma once
+// Shared by the purchase tests: a fresh database as the profile, a connection on it, and
+// small helpers to type into a field and leave it as a user would.
+
+#include "data/globals.h"
+#include "platform/adodb.h"
+#include "tests/support/testsupport.h"
+
+#include <QApplication>
+#include <QInputMethodEvent>
+#include <QLineEdit>
+#include <QTest>
+
+#include <memory>
+#include <ostream>
+
+// Readable failures for texts.
+inline void PrintTo(const QString& s, std::ostream* os) {
+    *os << '"' << s.toStdString() << '"';
+}
+
+class PurchaseDb : public testsupport::DbTest {
+protected:
+    void SetUp() override {
+        DbTest::SetUp();
+        gConnStr = makeDatabase(false);
+        gUserName = QStringLiteral("采购员甲");
+        conn = std::make_unique<adodb::Connection>();
+        conn->Open(gConnStr);
+    }
+    void TearDown() override {
+        conn.reset();
+        DbTest::TearDown();
+    }
+    QString q(const QString& sql) { return testsupport::querySqlite(dbPath(), sql); }
+    void exec(const QString& sql) { testsupport::execSqlite(dbPath(), sql); }
+
+    std::unique_ptr<adodb::Connection> conn;
+};
+
+inline void settle() {
+    for (int i = 0; i < 3; ++i) QApplication::processEvents();
+}
+
+// Typing as a user does: ASCII through the keyboard, Chinese through the input method.
+inline void typeText(QWidget* w, const QString& text) {
+    for (QChar c : text) {
+        if (c.unicode() < 128) {
+            QTest::keyClick(w, static_cast<char>(c.unicode()));
+        } else {
+            QInputMethodEvent e;
+            e.setCommitString(QString(c));
+            QApplication::sendEvent(w, &e);
+        }
+    }
+}
