@@ -14,14 +14,15 @@
 namespace {
 
 int view(int& argc, char** argv, const card::CliOptions& options, QFile& in, QFile& err) {
-    OrvaneApplication app(argc, argv);
-    vb::setAppTitle(QStringLiteral("orvane-card"));
+    // The record first: a missing file is told on the terminal, no window needed.
     QString error;
     const auto raw = card::firstRecord(options, in, &error);
     if (!raw) {
         err.write(QStringLiteral("orvane-card: %1\n").arg(error).toUtf8());
         return 2;
     }
+    OrvaneApplication app(argc, argv);
+    vb::setAppTitle(QStringLiteral("orvane-card"));
     auto& f = vb::form<frmMarcKaPian>();
     f.MarcShuju = card::recordText(*raw).text();
     f.varSelect = QString();
