@@ -19,12 +19,24 @@
 #ifdef ORVANE_HAVE_FENLEIHELP
 #include "classify/fenleihelp.h"
 #endif
+#ifdef ORVANE_HAVE_ORVANE_PURCHASE
+#include "platform/errors.h"
+#include "purchase/CaiGoufrm.h"
+#endif
 
 void registerRoutes() {
 #ifdef ORVANE_HAVE_FENLEIHELP
     Mainfrm::setCommandHandler(Mainfrm::cmd中图法简表, [] {
         auto& f = vb::form<fenleihelp>();
         f.Hide();
+        f.Show(0);
+    });
+#endif
+#ifdef ORVANE_HAVE_ORVANE_PURCHASE
+    // A fresh start: an open entry form goes without a question.
+    Mainfrm::setCommandHandler(Mainfrm::cmd采购订单, [] {
+        auto& f = vb::form<CaiGoufrm>();
+        vb::resume([&] { f.Unload(); });
         f.Show(0);
     });
 #endif
