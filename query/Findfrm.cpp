@@ -413,7 +413,7 @@ void Findfrm::findData() {
     Unload();
 }
 
-void Findfrm::loadGridData(QString& iiWhere, QString& iiOrderby) {
+void Findfrm::loadGridData(const QString& iiWhere, const QString& iiOrderby) {
     auto it = generators().find(printType);
     if (it != generators().end()) it->second(iiWhere, iiOrderby);
 }

@@ -44,10 +44,10 @@ public:
     // OK: hands the clauses to the receiver and unloads.
     void findData();
     // The statistics dispatcher: runs the generator registered for printType.
-    void loadGridData(QString& iiWhere, QString& iiOrderby) override;
+    void loadGridData(const QString& iiWhere, const QString& iiOrderby) override;
 
     // The statistics generators, by printType; an empty function removes one.
-    using Generator = std::function<void(QString& iiWhere, QString& iiOrderby)>;
+    using Generator = std::function<void(const QString& iiWhere, const QString& iiOrderby)>;
     static void setGenerator(const QString& printType, Generator g);
     // The name of the form that receives the result for a doType; empty for an unknown one.
     static QString receiverName(const QString& doType);

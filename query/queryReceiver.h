@@ -5,7 +5,7 @@
 //
 // A receiver derives from it beside vb::Form:
 //     class CaiGoufrm : public vb::Form, public QueryReceiver { ...
-//         void loadGridData(QString& iiWhere, QString& iiOrderby) override;
+//         void loadGridData(const QString& iiWhere, const QString& iiOrderby) override;
 // and sets fixture_Where / total_Where (each with its own " Where ") before it shows
 // Findfrm, or leaves them empty.
 
@@ -20,5 +20,5 @@ public:
     QString orderby_String; // kept by receivers that remember their order
 
     // Runs the query with the finished clauses.
-    virtual void loadGridData(QString& iiWhere, QString& iiOrderby) = 0;
+    virtual void loadGridData(const QString& iiWhere, const QString& iiOrderby) = 0;
 };

@@ -120,7 +120,7 @@ bool cgGYSfrm::previewKeyDown(QKeyEvent* e) {
     return false;
 }
 
-void cgGYSfrm::loadGridData(QString& cond, QString& order) {
+void cgGYSfrm::loadGridData(const QString& cond, const QString& order) {
     adodb::Connection conn;
     conn.Open(gConnStr);
     adodb::Recordset rs;

@@ -21,7 +21,7 @@ public:
     QString lastOrder;
 
     // Fills the grid from cggys with cond (with its own " Where ") and order.
-    void loadGridData(QString& cond, QString& order) override;
+    void loadGridData(const QString& cond, const QString& order) override;
     void gridFix();
 
     void Command1_Click(int index);

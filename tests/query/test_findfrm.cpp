@@ -35,7 +35,7 @@ namespace {
 class CaiGoufrm : public vb::Form, public QueryReceiver {
 public:
     CaiGoufrm() : Form(QStringLiteral("CaiGoufrm")) {}
-    void loadGridData(QString& iiWhere, QString& iiOrderby) override {
+    void loadGridData(const QString& iiWhere, const QString& iiOrderby) override {
         ++calls;
         where = iiWhere;
         order = iiOrderby;
@@ -408,7 +408,7 @@ TEST_F(FindForm, AReceiverWithoutTheMembersIsPassedOverSilently) {
 TEST_F(FindForm, StatisticsModesRunTheGeneratorOfPrintType) {
     QString gotWhere, gotOrder;
     int runs = 0;
-    Findfrm::setGenerator(QStringLiteral("totalmx"), [&](QString& w, QString& o) {
+    Findfrm::setGenerator(QStringLiteral("totalmx"), [&](const QString& w, const QString& o) {
         ++runs;
         gotWhere = w;
         gotOrder = o;
