@@ -115,9 +115,14 @@ QString cat(std::initializer_list<QStringView> parts) {
 // had. From the eleventh on, entries are dropped.
 void addNumbered(QString& slot, int& traceCount, QStringView e1, QStringView e2 = {}) {
     if (traceCount == 1) {
-        slot = cat({e1, e2});
+        slot.reserve(64); // a section rarely outgrows it
+        slot += e1;
+        slot += e2;
     } else if (traceCount == 2) {
-        slot = cat({u"①", slot, u" ②", e1, e2});
+        slot.prepend(u"①");
+        slot += u" ②";
+        slot += e1;
+        slot += e2;
     } else if (traceCount <= 10) {
         slot += QChar(char16_t(0x2460 + traceCount - 1));
         slot += e1;
