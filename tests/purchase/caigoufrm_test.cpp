@@ -3,7 +3,9 @@
 #include "platform/errors.h"
 #include "purchase/CaiGoufrm.h"
 #include "supplier/gysListfrm.h"
+#include "purchase/loadCheckDatafrm.h"
 #include "tests/purchase/purchasetest.h"
+#include "tests/shell/modalscript.h"
 
 #include <QCheckBox>
 #include <QPushButton>
@@ -252,6 +254,42 @@ TEST_F(CaiGouForm, AfterASaveTheArrowsWalkOnlyOrdersInPlay) {
     EXPECT_EQ(f().cgkIDs(), id);
     f().Command1(1)->click();
     EXPECT_EQ(f().cgkIDs(), 20); // 30 is no longer reached
+}
+
+TEST_F(CaiGouForm, SaveOnTheBlankFormPastTheEndChangesNothing) {
+    addRows(1);
+    open();
+    f().Command1(2)->click(); // past the only record
+    ASSERT_EQ(f().caption(), QStringLiteral("采购定单-空"));
+    f().Text1(0)->setText(QStringLiteral("新华书店"));
+    f().Text1(1)->setText(QStringLiteral("无处可去"));
+    f().Text1(14)->setText(QStringLiteral("1"));
+    f().Text1(15)->setText(QStringLiteral("现购"));
+    f().Text1(16)->setText(QStringLiteral("2003-01-01"));
+    f().Text1(17)->setText(QStringLiteral("1"));
+    f().Command2(2)->click();
+    EXPECT_TRUE(boxes().calls().empty());
+    EXPECT_EQ(testsupport::processEnds(), 0);
+    EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM cgk WHERE bookname='无处可去'")), QStringLiteral("0"));
+    EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM cgk")), QStringLiteral("1"));
+}
+
+TEST_F(CaiGouForm, AddAsksFirstAndWithNoOpensTheCheckKeepingTheFlags) {
+    addRows(1);
+    open();
+    f().Command1(0)->click();
+    f().Text1(2)->setText(QStringLiteral("改了"));
+    boxes().answer(vb::vbNo);
+    ModalScript script;
+    script.on<loadCheckDatafrm>([this](loadCheckDatafrm& d) {
+        EXPECT_EQ(boxes().prompts(), QStringList{kAskSave});
+        d.Command1(3)->click();
+    });
+    f().Command2(0)->click();
+    EXPECT_TRUE(script.done());
+    EXPECT_TRUE(f().fieldChanged(2));
+    EXPECT_EQ(f().addType, caigou::addEditing);
+    EXPECT_EQ(q(QStringLiteral("SELECT author IS NULL FROM cgk WHERE cgkid=10")), QStringLiteral("1"));
 }
 
 TEST_F(CaiGouForm, BatchTicksTheAcceptedBox) {
