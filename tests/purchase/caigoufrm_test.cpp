@@ -2,8 +2,8 @@
 // UPDATE, the counter in Global, navigation with its questions, keys, the fatal paths.
 #include "platform/errors.h"
 #include "purchase/CaiGoufrm.h"
-#include "supplier/gysListfrm.h"
 #include "purchase/loadCheckDatafrm.h"
+#include "supplier/gysListfrm.h"
 #include "tests/purchase/purchasetest.h"
 #include "tests/shell/modalscript.h"
 
@@ -270,7 +270,8 @@ TEST_F(CaiGouForm, SaveOnTheBlankFormPastTheEndChangesNothing) {
     f().Command2(2)->click();
     EXPECT_TRUE(boxes().calls().empty());
     EXPECT_EQ(testsupport::processEnds(), 0);
-    EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM cgk WHERE bookname='无处可去'")), QStringLiteral("0"));
+    EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM cgk WHERE bookname='无处可去'")),
+              QStringLiteral("0"));
     EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM cgk")), QStringLiteral("1"));
 }
 
@@ -289,7 +290,8 @@ TEST_F(CaiGouForm, AddAsksFirstAndWithNoOpensTheCheckKeepingTheFlags) {
     EXPECT_TRUE(script.done());
     EXPECT_TRUE(f().fieldChanged(2));
     EXPECT_EQ(f().addType, caigou::addEditing);
-    EXPECT_EQ(q(QStringLiteral("SELECT author IS NULL FROM cgk WHERE cgkid=10")), QStringLiteral("1"));
+    EXPECT_EQ(q(QStringLiteral("SELECT author IS NULL FROM cgk WHERE cgkid=10")),
+              QStringLiteral("1"));
 }
 
 TEST_F(CaiGouForm, BatchTicksTheAcceptedBox) {
