@@ -4,7 +4,8 @@
 # Run by hand: installs yaz when it is missing (needs root), builds a Release tree of its
 # own (build-card-bench), writes the records, then times each command `runs` times with
 # its output thrown away, and prints the medians and the ratio yaz / orvane-card (above 1:
-# orvane-card is the faster).
+# orvane-card is the faster). CPU time is printed too: it says less about what a
+# librarian waits for, but is steadier when other work shares the machine.
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
@@ -28,28 +29,35 @@ if [ ! -s "$data" ]; then
 fi
 echo "records: $count, file: $data ($(du -h "$data" | cut -f1)), runs: $runs"
 
-# Median wall time of a command, in seconds.
-median() {
-    local times=()
-    for _ in $(seq "$runs"); do
-        local start end
-        start=$(date +%s.%N)
-        "$@" >/dev/null 2>&1 || true
-        end=$(date +%s.%N)
-        times+=("$(awk -v a="$start" -v b="$end" 'BEGIN {printf "%.3f", b - a}')")
-    done
-    printf '%s\n' "${times[@]}" | sort -g | awk '{a[NR]=$1} END {print (NR%2 ? a[(NR+1)/2] : (a[NR/2]+a[NR/2+1])/2)}'
-}
+# The commands run in turns, run after run, so that a burst of other work on the machine
+# falls on all of them alike. Wall time and CPU time (user + system) of each run are kept.
+names=("yaz-marcdump" "yaz-marcdump -f GBK -t UTF-8" "orvane-card --card" "orvane-card --fields"
+       "orvane-card --raw")
+cmds=("yaz-marcdump $data" "yaz-marcdump -f GBK -t UTF-8 $data" "$build/bin/orvane-card --card $data"
+      "$build/bin/orvane-card --fields $data" "$build/bin/orvane-card --raw $data")
 
 # The card tool must also succeed on the file (no refused record).
 "$build/bin/orvane-card" "$data" >/dev/null
 
-yaz=$(median yaz-marcdump "$data")
-yazconv=$(median yaz-marcdump -f GBK -t UTF-8 "$data")
-printf '%-40s %8.3f s\n' "yaz-marcdump" "$yaz"
-printf '%-40s %8.3f s\n' "yaz-marcdump -f GBK -t UTF-8" "$yazconv"
-for mode in --card --fields --raw; do
-    t=$(median "$build/bin/orvane-card" "$mode" "$data")
-    ratio=$(awk -v a="$yaz" -v b="$t" 'BEGIN {printf "%.2f", a / b}')
-    printf '%-40s %8.3f s   yaz/orvane-card = %s\n' "orvane-card $mode" "$t" "$ratio"
+declare -A wall cpu
+TIMEFORMAT='%R %U %S'
+for _ in $(seq "$runs"); do
+    for k in "${!cmds[@]}"; do
+        # shellcheck disable=SC2086
+        read -r r u s < <({ time ${cmds[$k]} >/dev/null 2>&1; } 2>&1)
+        wall[$k]+="$r "
+        cpu[$k]+="$(awk -v a="$u" -v b="$s" 'BEGIN {printf "%.3f", a + b}') "
+    done
+done
+
+median() { tr ' ' '\n' | grep . | sort -g | awk '{a[NR]=$1} END {print (NR%2 ? a[(NR+1)/2] : (a[NR/2]+a[NR/2+1])/2)}'; }
+
+yazWall=$(echo "${wall[0]}" | median)
+yazCpu=$(echo "${cpu[0]}" | median)
+printf '%-30s %10s %10s %14s\n' "median of $runs runs" "wall s" "cpu s" "yaz/this wall"
+for k in "${!cmds[@]}"; do
+    w=$(echo "${wall[$k]}" | median)
+    c=$(echo "${cpu[$k]}" | median)
+    printf '%-30s %10.3f %10.3f %14s\n' "${names[$k]}" "$w" "$c" \
+        "$(awk -v a="$yazWall" -v b="$w" 'BEGIN {printf "%.2f", a / b}')"
 done
