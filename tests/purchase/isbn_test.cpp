@@ -18,6 +18,12 @@ QString segments(std::initializer_list<const char16_t*> lines) {
     return s;
 }
 
+// The case's name in the test list is its ISBN.
+[[maybe_unused]] void PrintTo(const CheckCase& c, std::ostream* os) {
+    const QString isbn = QString::fromUtf16(c.isbn);
+    *os << (isbn.isEmpty() ? std::string("empty") : isbn.toStdString());
+}
+
 class CheckIsbn : public ::testing::TestWithParam<CheckCase> {};
 
 TEST_P(CheckIsbn, Answers) {
