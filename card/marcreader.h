@@ -31,9 +31,9 @@ QString directoryErrorText(); // "地址目次区数据出现错误，校验失�
 using MessageFn = std::function<void(const QString&)>;
 void msgBoxMessage(const QString& text);
 
-// The record text and its GBK form. The legacy reader converted the whole record once per
-// field it cut; the result is the same every time, so it is made once here, and the fields
-// are cut out of one decoding of it.
+// The record text and its GBK form. Every field is cut from the GBK form of the whole
+// record, which is the same every time: it is made once, and the fields are cut out of one
+// decoding of it.
 class MarcText {
 public:
     MarcText(QString text); // NOLINT: a record text is a MarcText
@@ -105,9 +105,9 @@ int16_t byteLength16(QStringView s);
 // behind a delimiter. The last value keeps whatever ends the field, so a field cut for the
 // card keeps its character 30 there. Two delimiters in a row are error 5.
 //
-// The legacy loop cut F down as it went, and left it holding the remainder after its last
-// character 31 (the last subfield's code and value): the walk returns how many characters
-// it took off the front, 0 when F has no 31.
+// The walk cuts F down as it goes, and leaves it holding the remainder after its last
+// character 31 (the last subfield's code and value); callers rely on that. This form
+// returns how many characters it took off the front, 0 when F has no 31.
 template <class Fn> qsizetype walkSubfields(QStringView f, Fn&& onSubfield) {
     // L is taken once, in bytes, as a 16-bit number; with it the last value runs to the end.
     const qsizetype L = byteLength16(f);
@@ -133,7 +133,7 @@ template <class Fn> qsizetype walkSubfields(QStringView f, Fn&& onSubfield) {
     return off;
 }
 
-// The walk on a variable: the variable is consumed as the legacy loop consumed it.
+// The walk on a variable, which is consumed as told above.
 template <class Fn> void walkSubfields(QString& f, Fn&& onSubfield) {
     const qsizetype taken = walkSubfields(QStringView(f), onSubfield);
     if (taken > 0) f.remove(0, taken);
