@@ -5,6 +5,7 @@
 
 #include "platform/form.h"
 #include "purchase/caigouRules.h"
+#include "query/queryReceiver.h"
 
 #include <QString>
 
@@ -21,7 +22,7 @@ class Connection;
 class Recordset;
 } // namespace adodb
 
-class CaiGoufrm : public vb::Form {
+class CaiGoufrm : public vb::Form, public QueryReceiver {
     Q_OBJECT
 public:
     CaiGoufrm();
@@ -30,13 +31,11 @@ public:
     // 100 empty or loading, 1 adding, 10 editing, 0 closed. loadCheckDatafrm sets 1.
     int16_t addType = 0;
 
-    // What the query builder hands back to.
-    QString fixture_Where;
-    QString total_Where;
-    QString orderby_String;
-    // cond goes between "Select cgkID From cgk " and " Order by cgkid"; order is only kept
-    // for the browser. Shows no record: the form stands blank on the first match.
-    void loadGridData(const QString& iiWhere, const QString& iiOrderby);
+    // The query builder hands back through QueryReceiver (fixture_Where, total_Where,
+    // orderby_String). cond goes between "Select cgkID From cgk " and " Order by cgkid";
+    // order is only kept for the browser. Shows no record: the form stands blank on the
+    // first match.
+    void loadGridData(const QString& iiWhere, const QString& iiOrderby) override;
 
     QLineEdit* Text1(int index);
     QPushButton* Command1(int index);

@@ -23,6 +23,14 @@
 #include "platform/errors.h"
 #include "purchase/CaiGoufrm.h"
 #endif
+#ifdef ORVANE_HAVE_ORVANE_SUPPLIER
+#include "platform/errors.h"
+#include "query/Findfrm.h"
+#include "supplier/cgGYSdofrm.h"
+#include "supplier/cgGYSfrm.h"
+
+#include <QLineEdit>
+#endif
 
 void registerRoutes() {
 #ifdef ORVANE_HAVE_FENLEIHELP
@@ -38,6 +46,30 @@ void registerRoutes() {
         auto& f = vb::form<CaiGoufrm>();
         vb::resume([&] { f.Unload(); });
         f.Show(0);
+    });
+#endif
+#ifdef ORVANE_HAVE_ORVANE_SUPPLIER
+    Mainfrm::setCommandHandler(Mainfrm::cmd采购来源定义, [] {
+        auto& f = vb::form<cgGYSfrm>();
+        f.Hide();
+        f.Show(0);
+    });
+#endif
+#if defined(ORVANE_HAVE_ORVANE_PURCHASE) && defined(ORVANE_HAVE_ORVANE_SUPPLIER)
+    // The entry form's 查找 asks the query builder for its orders.
+    CaiGoufrm::setFindHandler([] {
+        auto& f = vb::form<Findfrm>();
+        f.doType = QStringLiteral("caigou");
+        f.Show(1);
+    });
+    // A source the user wants added: the supplier form in its mode for the entry form,
+    // with the name proposed; each step goes on past an error.
+    CaiGoufrm::setSourceAddHandler([](const QString& source) {
+        auto& f = vb::form<cgGYSdofrm>();
+        vb::resume([&] { f.Unload(); });
+        vb::resume([&] { f.gysMode = 2; });
+        vb::resume([&] { f.Text1(0)->setText(source); });
+        vb::resume([&] { f.Show(0); });
     });
 #endif
 }
