@@ -73,14 +73,15 @@ void CaiGoufrm::setSourceAddHandler(std::function<void(const QString&)> handler)
 
 void CaiGoufrm::build(QWidget* w) {
     w->setWindowTitle(QStringLiteral("采购订单"));
-    w->resize(vb::twips(9300), vb::twips(5700));
+    // As wide as the duplicate check's grid was laid out for (it takes this form's size).
+    w->resize(vb::twips(12000), vb::twips(5700));
 
     // Fields 0..9 on the left, 10..18 on the right; the tab order follows the index.
-    constexpr int rowH = 420, labelW = 1200, fieldW = 2900, fieldH = 315;
+    constexpr int rowH = 420, labelW = 1200, fieldW = 4300, fieldH = 315;
     for (int i = 0; i < caigou::kFieldCount; ++i) {
         const int column = i < 10 ? 0 : 1;
         const int row = i < 10 ? i : i - 10;
-        const int x = 150 + column * 4600;
+        const int x = 150 + column * 5900;
         const int y = 180 + row * rowH;
         auto* label = new QLabel(caigou::fieldLabel(i), w);
         label->setObjectName(vb::ctlName(QStringLiteral("Label1"), i));
@@ -111,7 +112,7 @@ void CaiGoufrm::build(QWidget* w) {
     auto* check = new QCheckBox(QStringLiteral("验收否"), w);
     check->setObjectName(QStringLiteral("Check1"));
     check->setEnabled(false);
-    place(check, 4750 + labelW + 60, 180 + 9 * rowH, 1500, fieldH);
+    place(check, 150 + 5900 + labelW + 60, 180 + 9 * rowH, 1500, fieldH);
 
     const struct {
         const char16_t* caption;
@@ -130,7 +131,7 @@ void CaiGoufrm::build(QWidget* w) {
     }
     const char16_t* const commands[6] = {u"&A  增加", u"&Z 同批增加", u"&S  保存",
                                          u"&D  查找", u"&B  浏览",    u"&X  关闭"};
-    int x = 2250;
+    int x = 6200;
     for (int i = 0; i < 6; ++i) {
         auto* b = new QPushButton(QString::fromUtf16(commands[i]), w);
         b->setObjectName(vb::ctlName(QStringLiteral("Command2"), i));

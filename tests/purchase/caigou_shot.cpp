@@ -1,17 +1,20 @@
 // Saves a picture of the order entry form with a record of the demo data, as an operator
-// sees it after |<:
+// sees it after |<, and optionally one of the duplicate check after a title search:
 //   ASAN_OPTIONS=detect_leaks=0 xvfb-run -a build/bin/caigou_shot docs/purchase-entry.png
+//   [check.png]
 // The demo database is made in a temporary folder.
 
 #include "data/dbinit/dbinit.h"
 #include "data/globals.h"
 #include "platform/form.h"
 #include "purchase/CaiGoufrm.h"
+#include "purchase/loadCheckDatafrm.h"
 
 #include <QApplication>
 #include <QLineEdit>
 #include <QPixmap>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -19,8 +22,8 @@
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: caigou_shot <out.png>\n");
+    if (argc != 2 && argc != 3) {
+        std::fprintf(stderr, "usage: caigou_shot <out.png> [check.png]\n");
         return 2;
     }
     QTemporaryDir tmp;
@@ -47,7 +50,17 @@ int main(int argc, char** argv) {
     f.Text1(1)->setFocus();
     QTest::qWait(200);
 
-    const bool saved = f.window()->grab().save(QString::fromLocal8Bit(argv[1]));
+    bool saved = f.window()->grab().save(QString::fromLocal8Bit(argv[1]));
+    if (argc == 3) {
+        auto& d = vb::form<loadCheckDatafrm>();
+        d.Show(0);
+        if (!QTest::qWaitForWindowExposed(d.window())) return 1;
+        d.Option1(0)->setChecked(true);
+        d.Text1()->setText(f.Text1(1)->text().left(2));
+        d.Command1_Click(0);
+        QTest::qWait(200);
+        saved = saved && d.window()->grab().save(QString::fromLocal8Bit(argv[2]));
+    }
     vb::FormRegistry::destroyAll();
     if (!saved) {
         std::fprintf(stderr, "caigou_shot: cannot write %s\n", argv[1]);
