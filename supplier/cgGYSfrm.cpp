@@ -149,14 +149,13 @@ void cgGYSfrm::gridFix() {
 
 void cgGYSfrm::Command1_Click(int index) {
     switch (index) {
-    case 0:
-        vb::resume([] {
-            auto& f = vb::form<cgGYSdofrm>();
-            f.Unload();
-            f.gysMode = 0;
-            f.Show(0);
-        });
+    case 0: {
+        auto& f = vb::form<cgGYSdofrm>();
+        vb::resume([&] { f.Unload(); });
+        vb::resume([&] { f.gysMode = 0; });
+        vb::resume([&] { f.Show(0); });
         break;
+    }
     case 1:
         deleteRows();
         break;
