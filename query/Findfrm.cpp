@@ -363,12 +363,11 @@ void Findfrm::Label3_Click(int index) {
         return;
     }
     // The order field is found by its name among all fields.
+    // (Not found, the walk ends one past the list, on the spare last entry of fieldDict.)
     QListWidget* fields = LFields();
     int pos = 0;
-    for (int i = 0; i < fields->count(); ++i) {
-        pos = i;
-        if (fields->item(i)->text() == order->currentText()) break;
-    }
+    for (; pos < fields->count(); ++pos)
+        if (fields->item(pos)->text() == order->currentText()) break;
     const QString caption = ctl<QLabel>(QStringLiteral("Label3"), index)->text();
     q.addOrder(fieldAt(pos), index, caption);
     lOrderby()->setPlainText(q.orderText);
