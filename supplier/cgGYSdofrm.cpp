@@ -113,7 +113,15 @@ void cgGYSdofrm::loadData() {
         vb::FlexGrid* grid = vb::form<cgGYSfrm>().Grid1();
         return grid->TextMatrix(grid->Row(), col);
     };
-    for (int i = 0; i < 8; ++i) vb::resume([&] { Text1(i)->setText(cell(i)); });
+    for (int i = 0; i < 8; ++i)
+        vb::resume([&] {
+            // A longer text from the table is taken whole (the name is the key of the
+            // UPDATE); the length limits only what is typed beyond it.
+            const QString text = cell(i);
+            QLineEdit* t = Text1(i);
+            if (text.size() > t->maxLength()) t->setMaxLength(static_cast<int>(text.size()));
+            t->setText(text);
+        });
     vb::resume([&] {
         QComboBox* c = Combo1();
         c->setCurrentIndex(c->findText(cell(8), Qt::MatchExactly));

@@ -348,6 +348,26 @@ TEST_F(Suppliers, RenameBackToItsOwnNameRunsNoTestAndRenameCarriesTheKey) {
     EXPECT_EQ(grid()->TextMatrix(1, 0), QStringLiteral("改名书店"));
 }
 
+TEST_F(Suppliers, ANameLongerThanTheFieldIsChangedUnderItsWholeName) {
+    db(false);
+    emptySuppliers();
+    const QString longName =
+        QStringLiteral("北京市海淀区中关村大街某某科技图书音像制品发行有限责任公司总部");
+    ASSERT_GT(longName.size(), 30);
+    testsupport::execSqlite(dbPath(),
+                            QStringLiteral("INSERT INTO cggys (publisher,pubplace,address,"
+                                           "pubclass) VALUES ('%1','北京','某路','销售商')")
+                                .arg(longName));
+    openManager();
+    click(m(), QStringLiteral("Command1_2"));
+    EXPECT_EQ(d().oldName, longName);
+    activateEdit();
+    type(1, QStringLiteral("天津"));
+    click(d(), QStringLiteral("Command1_1"));
+    EXPECT_TRUE(boxes().calls().empty());
+    EXPECT_EQ(sql(QStringLiteral("SELECT pubplace FROM cggys")), QStringLiteral("天津"));
+}
+
 TEST_F(Suppliers, ChangeSaveAndAddTurnsTheFormIntoAnEmptyAddForm) {
     db(true);
     openManager();
