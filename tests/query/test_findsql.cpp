@@ -1,7 +1,10 @@
 // The query builder's text on its own: operators per kind, conditions, dates given in
 // part, groups and the unclosed group, the order list, and the finished clauses.
 
+#include "data/globals.h"
+#include "platform/adodb.h"
 #include "query/findsql.h"
+#include "tests/support/testsupport.h"
 
 #include <gtest/gtest.h>
 
@@ -163,6 +166,43 @@ TEST(Builder, OrderListAndItsShownText) {
     EXPECT_TRUE(b.isEmpty());
     EXPECT_TRUE(b.orderText.isEmpty());
     EXPECT_TRUE(b.totalTexts.isEmpty());
+}
+
+} // namespace
+
+namespace {
+
+// The date clauses run on the embedded database mean what they say: a month given in part
+// matches, and lies wholly before or after, the same rows as plain date comparisons.
+class DateClauses : public testsupport::DbTest {};
+
+TEST_F(DateClauses, PartialDatesSelectTheRowsTheyDescribe) {
+    gConnStr = makeDatabase(true);
+    const QString month =
+        testsupport::querySqlite(dbPath(), QStringLiteral("SELECT substr(yddate,1,7) FROM cgk "
+                                                          "GROUP BY 1 ORDER BY count(*) DESC"));
+    ASSERT_EQ(month.size(), 7);
+    const QString typed = month + QStringLiteral("-__");
+    const std::pair<const char16_t*, const char*> cases[] = {
+        {u"等于", "yddate LIKE '%1-%'"}, {u"不等于", "yddate IS NOT NULL"},
+        {u"大于", "yddate > '%1-99'"},   {u"不小于", "yddate >= '%1-00'"},
+        {u"小于", "yddate < '%1-00'"},   {u"不大于", "yddate <= '%1-99'"},
+    };
+    adodb::Connection conn;
+    conn.Open(gConnStr);
+    for (const auto& [fuhao, plain] : cases) {
+        SCOPED_TRACE(QString::fromUtf16(fuhao).toStdString());
+        Builder b;
+        b.addCondition(kDate, QString::fromUtf16(fuhao), typed);
+        const findsql::Clause c = b.finish(QString(), QString());
+        adodb::Recordset rs;
+        rs.Open(QStringLiteral("Select count(*) From cgk") + c.where, conn);
+        const QString expected =
+            testsupport::querySqlite(dbPath(), QStringLiteral("SELECT count(*) FROM cgk WHERE ") +
+                                                   QString::fromLatin1(plain).arg(month));
+        EXPECT_EQ(rs.text(0), expected);
+        EXPECT_GT(expected.toInt(), 0);
+    }
 }
 
 } // namespace
