@@ -101,6 +101,8 @@ void sendTab() {
 
 OrvaneApplication::OrvaneApplication(int& argc, char** argv) : QApplication(argc, argv) {}
 
+OrvaneApplication::~OrvaneApplication() { vb::FormRegistry::destroyAll(); }
+
 bool OrvaneApplication::notify(QObject* receiver, QEvent* event) {
     try {
         return QApplication::notify(receiver, event);

@@ -41,5 +41,8 @@ class OrvaneApplication : public QApplication {
     Q_OBJECT
 public:
     OrvaneApplication(int& argc, char** argv);
+    // The forms live as long as the process, but their windows must go before the
+    // application object does.
+    ~OrvaneApplication() override;
     bool notify(QObject* receiver, QEvent* event) override;
 };
