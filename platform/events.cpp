@@ -126,9 +126,13 @@ protected:
             if (!keyDown.empty()) {
                 int code = keyCodeOf(ke);
                 const int shift = shiftOf(ke);
-                for (const auto& h : std::vector<KeyDownHandler>(keyDown)) {
-                    h(code, shift);
-                    if (code == 0) return true;
+                // A key without a legacy code (input-method text) is not a handler's to
+                // swallow; only a code a handler set to 0 is.
+                if (code != 0) {
+                    for (const auto& h : std::vector<KeyDownHandler>(keyDown)) {
+                        h(code, shift);
+                        if (code == 0) return true;
+                    }
                 }
             }
             if (!keyPress.empty()) {

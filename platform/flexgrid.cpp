@@ -540,8 +540,10 @@ int shiftOfMods(Qt::KeyboardModifiers m) {
 
 void FlexGrid::keyPressEvent(QKeyEvent* e) {
     int code = keyCodeOf(e);
-    Q_EMIT KeyDown(code, shiftOf(e));
-    if (code == 0) return;
+    if (code != 0) {
+        Q_EMIT KeyDown(code, shiftOf(e));
+        if (code == 0) return;
+    }
     int ascii = keyAsciiOf(e);
     if (ascii != 0) {
         Q_EMIT KeyPress(ascii);

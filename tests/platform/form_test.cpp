@@ -150,6 +150,24 @@ TEST(FormModel, EnterSendsTabAndFocusEventsSkipWindowActivation) {
     EXPECT_EQ(lost, 1);
 }
 
+TEST(FormModel, KeyDownHandlersSwallowOnlyWhatTheySetToZero) {
+    QLineEdit e;
+    int calls = 0;
+    vb::onKeyDown(&e, [&](int& code, int) {
+        ++calls;
+        if (code == 'X') code = 0;
+    });
+    QTest::keyClick(&e, Qt::Key_X, Qt::NoModifier);
+    EXPECT_EQ(e.text(), QString());
+    QTest::keyClick(&e, Qt::Key_Y);
+    EXPECT_EQ(e.text(), QStringLiteral("y"));
+    // Text with no legacy key code (as an input method sends it) passes untouched.
+    QKeyEvent ime(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QStringLiteral("中"));
+    QApplication::sendEvent(&e, &ime);
+    EXPECT_EQ(e.text(), QStringLiteral("y中"));
+    EXPECT_EQ(calls, 2);
+}
+
 TEST(FormModel, AnEscapingErrorGetsTheRuntimeBoxAndEndsTheProcess) {
     auto& f = vb::form<SampleFrm>();
     auto* c = f.ctl<QPushButton>(QStringLiteral("Command1_0"));
