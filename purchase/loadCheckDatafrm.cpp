@@ -10,7 +10,7 @@
 #include "platform/vb.h"
 #include "purchase/CaiGoufrm.h"
 #include "purchase/caigouRules.h"
-#include "shell/Menu.h"
+#include "platform/Menu.h"
 
 #include <QGroupBox>
 #include <QLineEdit>

@@ -7,7 +7,7 @@
 #include "platform/flexgrid.h"
 #include "platform/msgbox.h"
 #include "query/Findfrm.h"
-#include "shell/Menu.h"
+#include "platform/Menu.h"
 #include "supplier/cgGYSdofrm.h"
 
 #include <QKeyEvent>

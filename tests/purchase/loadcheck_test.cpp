@@ -4,7 +4,7 @@
 #include "platform/flexgrid.h"
 #include "purchase/CaiGoufrm.h"
 #include "purchase/loadCheckDatafrm.h"
-#include "shell/Menu.h"
+#include "platform/Menu.h"
 #include "tests/purchase/purchasetest.h"
 #include "tests/shell/modalscript.h"
 

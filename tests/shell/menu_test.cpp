@@ -1,5 +1,5 @@
 // The right-button popup: ids count separators, 0 on dismissal.
-#include "shell/Menu.h"
+#include "platform/Menu.h"
 
 #include "tests/support/testsupport.h"
 

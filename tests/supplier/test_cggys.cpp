@@ -8,7 +8,7 @@
 #include "platform/form.h"
 #include "platform/maskedbox.h"
 #include "query/Findfrm.h"
-#include "shell/Menu.h"
+#include "platform/Menu.h"
 #include "supplier/cgGYSdofrm.h"
 #include "supplier/cgGYSfrm.h"
 #include "tests/support/testsupport.h"

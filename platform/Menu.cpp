@@ -1,4 +1,4 @@
-#include "shell/Menu.h"
+#include "platform/Menu.h"
 
 #include "platform/vb.h"
 
