@@ -230,14 +230,8 @@ void cgGYSdofrm::addGYS(int index) {
             vb::resume([this] { Unload(); });
             return;
         }
-        QVariantList row;
-        for (int k = 0; k < 8; ++k) row << Text1(k)->text();
-        row << Combo1()->currentText();
-        setGridRow(0, vb::form<cgGYSfrm>(), row);
-        if (index != 0)
-            Unload();
-        else
-            clearForNext();
+        setGridRow(0, vb::form<cgGYSfrm>(), gridRow());
+        afterSave(index);
     } catch (const vb::VbError& e) {
         vb::MsgBox(stopBoxText(e), vb::vbCritical, QStringLiteral("添加错误"));
     }
@@ -266,18 +260,26 @@ void cgGYSdofrm::updateGYS(int index) {
                            kTitle);
                 return;
             }
-            QVariantList row;
-            for (int k = 0; k < 8; ++k) row << Text1(k)->text();
-            row << Combo1()->currentText();
-            setGridRow(1, vb::form<cgGYSfrm>(), row);
+            setGridRow(1, vb::form<cgGYSfrm>(), gridRow());
         }
-        if (index != 0)
-            Unload();
-        else
-            clearForNext();
+        afterSave(index);
     } catch (const vb::VbError& e) {
         vb::MsgBox(stopBoxText(e), vb::vbCritical, QStringLiteral("添加错误"));
     }
+}
+
+QVariantList cgGYSdofrm::gridRow() {
+    QVariantList row;
+    for (int k = 0; k < 8; ++k) row << Text1(k)->text();
+    row << Combo1()->currentText();
+    return row;
+}
+
+void cgGYSdofrm::afterSave(int index) {
+    if (index != 0)
+        Unload();
+    else
+        clearForNext();
 }
 
 void cgGYSdofrm::clearForNext() {

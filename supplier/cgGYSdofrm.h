@@ -1,4 +1,6 @@
 #pragma once
+
+#include <QVariantList>
 // cgGYSdofrm: one supplier, added (from the manager or for the purchase form) or changed.
 
 #include "platform/form.h"
@@ -37,6 +39,10 @@ public:
     void addGYS(int index);
     void updateGYS(int index);
     void clearForNext();
+    // The nine texts as the manager's grid shows them.
+    QVariantList gridRow();
+    // After a save: "保存增加" (index 0) clears for the next record, the others close.
+    void afterSave(int index);
 
     QLineEdit* Text1(int index);
     QComboBox* Combo1();

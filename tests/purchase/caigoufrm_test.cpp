@@ -29,18 +29,7 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowActive(f().window()));
     }
     // Types into a field that has the focus, then leaves it with Tab, as a user does.
-    void type(int index, const QString& text) {
-        QLineEdit* t = f().Text1(index);
-        t->setFocus();
-        settle();
-        t->selectAll();
-        if (text.isEmpty())
-            QTest::keyClick(t, Qt::Key_Backspace);
-        else
-            typeText(t, text);
-        QTest::keyClick(t, Qt::Key_Tab);
-        settle();
-    }
+    void type(int index, const QString& text) { testsupport::typeAndLeave(f().Text1(index), text); }
     void key(Qt::Key k, Qt::KeyboardModifiers m = Qt::NoModifier) {
         QWidget* target = QApplication::focusWidget() ? QApplication::focusWidget() : f().window();
         QTest::keyClick(target, k, m);

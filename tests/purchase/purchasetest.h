@@ -38,19 +38,5 @@ protected:
     std::unique_ptr<adodb::Connection> conn;
 };
 
-inline void settle() {
-    for (int i = 0; i < 3; ++i) QApplication::processEvents();
-}
-
-// Typing as a user does: ASCII through the keyboard, Chinese through the input method.
-inline void typeText(QWidget* w, const QString& text) {
-    for (QChar c : text) {
-        if (c.unicode() < 128) {
-            QTest::keyClick(w, static_cast<char>(c.unicode()));
-        } else {
-            QInputMethodEvent e;
-            e.setCommitString(QString(c));
-            QApplication::sendEvent(w, &e);
-        }
-    }
-}
+using testsupport::settle;
+using testsupport::typeText;

@@ -3,12 +3,12 @@
 // quotes in names, the purchase form's add, and the query builder filling the grid.
 
 #include "data/globals.h"
+#include "platform/Menu.h"
 #include "platform/errors.h"
 #include "platform/flexgrid.h"
 #include "platform/form.h"
 #include "platform/maskedbox.h"
 #include "query/Findfrm.h"
-#include "platform/Menu.h"
 #include "supplier/cgGYSdofrm.h"
 #include "supplier/cgGYSfrm.h"
 #include "tests/support/testsupport.h"
@@ -38,22 +38,8 @@ using testsupport::boxes;
 
 const QString kAsk = QStringLiteral("是否确定删除所选择的来源资料，是否继续？");
 
-void settle() {
-    for (int i = 0; i < 3; ++i) QApplication::processEvents();
-}
-
-// ASAN-friendly typing: ASCII by keys, Chinese committed by the input method.
-void typeText(QWidget* w, const QString& text) {
-    for (QChar c : text) {
-        if (c.unicode() < 128) {
-            QTest::keyClick(w, static_cast<char>(c.unicode()));
-        } else {
-            QInputMethodEvent e;
-            e.setCommitString(QString(c));
-            QApplication::sendEvent(w, &e);
-        }
-    }
-}
+using testsupport::settle;
+using testsupport::typeText;
 
 class Suppliers : public testsupport::DbTest {
 protected:
@@ -88,18 +74,7 @@ protected:
         settle();
     }
     // Types into a field as a user does, then leaves it with Tab.
-    void type(int index, const QString& text) {
-        QLineEdit* t = d().Text1(index);
-        t->setFocus();
-        settle();
-        t->selectAll();
-        if (text.isEmpty())
-            QTest::keyClick(t, Qt::Key_Backspace);
-        else
-            typeText(t, text);
-        QTest::keyClick(t, Qt::Key_Tab);
-        settle();
-    }
+    void type(int index, const QString& text) { testsupport::typeAndLeave(d().Text1(index), text); }
     void setType(const QString& t) { d().Combo1()->setCurrentIndex(d().Combo1()->findText(t)); }
     void fillNew(const QString& name) {
         type(0, name);

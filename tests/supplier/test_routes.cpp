@@ -24,9 +24,7 @@ namespace {
 
 using testsupport::boxes;
 
-void settle() {
-    for (int i = 0; i < 3; ++i) QApplication::processEvents();
-}
+using testsupport::settle;
 
 class Routes : public testsupport::DbTest {
 protected:

@@ -8,7 +8,11 @@
 #include "data/dbinit/dbinit.h"
 #endif
 
+#include <QApplication>
 #include <QDir>
+#include <QInputMethodEvent>
+#include <QLineEdit>
+#include <QTest>
 
 #include <sqlite3.h>
 
@@ -76,6 +80,34 @@ QString querySqlite(const QString& dbPath, const QString& sql) {
     sqlite3_finalize(st);
     sqlite3_close(db);
     return out;
+}
+
+void settle() {
+    for (int i = 0; i < 3; ++i) QApplication::processEvents();
+}
+
+void typeText(QWidget* w, const QString& text) {
+    for (QChar c : text) {
+        if (c.unicode() < 128) {
+            QTest::keyClick(w, static_cast<char>(c.unicode()));
+        } else {
+            QInputMethodEvent e;
+            e.setCommitString(QString(c));
+            QApplication::sendEvent(w, &e);
+        }
+    }
+}
+
+void typeAndLeave(QLineEdit* field, const QString& text) {
+    field->setFocus();
+    settle();
+    field->selectAll();
+    if (text.isEmpty())
+        QTest::keyClick(field, Qt::Key_Backspace);
+    else
+        typeText(field, text);
+    QTest::keyClick(field, Qt::Key_Tab);
+    settle();
 }
 
 void DbTest::SetUp() {

@@ -7,6 +7,9 @@
 #include <QString>
 #include <QTemporaryDir>
 
+class QLineEdit;
+class QWidget;
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -28,6 +31,13 @@ QString sqliteProfile(const QString& dbPath);
 void execSqlite(const QString& dbPath, const QString& sql);
 // First column of the first row as text ("" when there is none), straight from SQLite.
 QString querySqlite(const QString& dbPath, const QString& sql);
+
+// Lets queued events run (the queued Tab of SendKeys, deferred deletes, focus changes).
+void settle();
+// Types as a user does: ASCII through the keyboard, Chinese committed by the input method.
+void typeText(QWidget* w, const QString& text);
+// Gives the field the focus, replaces its text by typing (Backspace for ""), leaves with Tab.
+void typeAndLeave(QLineEdit* field, const QString& text);
 
 // A test with its own temporary folder, settings store and (on demand) database.
 class DbTest : public ::testing::Test {
