@@ -10,6 +10,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <algorithm>
 #include <cstring>
 #include <mutex>
 
@@ -426,7 +427,29 @@ std::vector<DataSource> dataSources() {
 
 Connection::Connection() = default;
 
+namespace {
+std::vector<Connection*>& sqliteTransactions() {
+    static std::vector<Connection*> open;
+    return open;
+}
+} // namespace
+
+Connection* Connection::sqliteRunner() {
+    if (m_dbms != Dbms::SQLite || m_sqliteTrans) return this;
+    for (Connection* c : sqliteTransactions())
+        if (c != this && c->m_odbc == m_odbc) return c;
+    return this;
+}
+
+void Connection::leaveSqliteTransaction() {
+    if (!m_sqliteTrans) return;
+    m_sqliteTrans = false;
+    auto& open = sqliteTransactions();
+    open.erase(std::remove(open.begin(), open.end(), this), open.end());
+}
+
 Connection::~Connection() {
+    leaveSqliteTransaction();
     if (m_dbc) {
         if (m_open) SQLDisconnect(m_dbc);
         SQLFreeHandle(SQL_HANDLE_DBC, m_dbc);
@@ -438,6 +461,7 @@ void Connection::Open(const QString& connectionString, const QString& userId,
     m_connStr = connectionString;
     const OdbcProfile p = parseProfile(connectionString);
     m_shaped = p.shaped;
+    m_odbc = p.odbc;
     if (m_dbc) {
         if (m_open) SQLDisconnect(m_dbc);
         SQLFreeHandle(SQL_HANDLE_DBC, m_dbc);
@@ -478,7 +502,10 @@ QString Connection::adapt(const QString& sql) const {
 std::unique_ptr<Recordset> Connection::Execute(const QString& sql, long* recordsAffected) {
     if (recordsAffected) *recordsAffected = -1;
     if (!m_open) raiseAdo(adErrObjectClosed);
-    Result res = run(m_dbc, adapt(sql));
+    Connection* runner = sqliteRunner();
+    const QString text = adapt(sql);
+    Result res = run(runner->m_dbc, text);
+    if (runner != this && !res.isSelect) runner->m_guestWrites.push_back(text);
     auto rs = std::make_unique<Recordset>();
     if (res.isSelect) {
         rs->m_cursorType = adOpenForwardOnly;
@@ -498,6 +525,11 @@ void Connection::BeginTrans() {
                                          reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_OFF),
                                          SQL_IS_UINTEGER)))
         raiseDiag(SQL_HANDLE_DBC, m_dbc);
+    if (m_dbms == Dbms::SQLite && !m_sqliteTrans) {
+        m_sqliteTrans = true;
+        m_guestWrites.clear();
+        sqliteTransactions().push_back(this);
+    }
 }
 
 namespace {
@@ -511,12 +543,19 @@ void endTrans(SQLHDBC dbc, SQLSMALLINT how) {
 
 void Connection::CommitTrans() {
     if (!m_open) raiseAdo(adErrObjectClosed);
+    leaveSqliteTransaction();
+    m_guestWrites.clear();
     endTrans(m_dbc, SQL_COMMIT);
 }
 
 void Connection::RollbackTrans() {
     if (!m_open) raiseAdo(adErrObjectClosed);
+    leaveSqliteTransaction();
     endTrans(m_dbc, SQL_ROLLBACK);
+    // The other connections' writes were never part of this transaction.
+    const std::vector<QString> guests = std::move(m_guestWrites);
+    m_guestWrites.clear();
+    for (const QString& sql : guests) run(m_dbc, sql);
 }
 
 // ---- Recordset -------------------------------------------------------------------------
@@ -526,7 +565,10 @@ Recordset::~Recordset() = default;
 
 void Recordset::load(Connection& conn, const QString& sql, int cursorType) {
     if (!conn.isOpen()) raiseAdo(adErrObjectClosed);
-    Result res = run(conn.m_dbc, conn.adapt(sql));
+    Connection* runner = conn.sqliteRunner();
+    const QString text = conn.adapt(sql);
+    Result res = run(runner->m_dbc, text);
+    if (runner != &conn && !res.isSelect) runner->m_guestWrites.push_back(text);
     m_names = std::move(res.names);
     m_rows = std::move(res.rows);
     m_children.clear();

@@ -71,6 +71,10 @@ public:
     // write, -1 for a read.
     std::unique_ptr<Recordset> Execute(const QString& sql, long* recordsAffected = nullptr);
 
+    // On SQLite only one connection can write at a time. While a connection of this process
+    // holds a transaction on a file, statements of the other connections to that file run
+    // on it, and their writes are run again after a rollback: what another connection does
+    // during a transaction stands as its own work, as it would on a server.
     void BeginTrans();
     void CommitTrans();
     void RollbackTrans();
@@ -83,8 +87,14 @@ public:
 
 private:
     friend class Recordset;
+    // The connection whose handle runs this one's statements (see BeginTrans).
+    Connection* sqliteRunner();
+    void leaveSqliteTransaction();
     void* m_dbc = nullptr;
     QString m_connStr;
+    QString m_odbc;
+    bool m_sqliteTrans = false;
+    std::vector<QString> m_guestWrites; // other connections' writes inside this transaction
     bool m_shaped = false;
     bool m_open = false;
     Dbms m_dbms = Dbms::Unknown;

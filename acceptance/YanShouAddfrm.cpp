@@ -1,0 +1,99 @@
+#include "acceptance/YanShouAddfrm.h"
+
+#include "acceptance/YanShoufrm.h"
+#include "platform/events.h"
+#include "platform/msgbox.h"
+#include "platform/vb.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace {
+const QString kTitle = QStringLiteral("操作提示");
+
+struct Field {
+    const char16_t* label;
+    int maxLength; // 0: none
+};
+constexpr Field kFields[5] = {
+    {u"来  源：", 30}, {u"批  号：", 20}, {u"金  额：", 0}, {u"发票号：", 20}, {u"收据号：", 20},
+};
+} // namespace
+
+YanShouAddfrm::YanShouAddfrm() : vb::Form(QStringLiteral("YanShouAddfrm")) {}
+
+QLineEdit* YanShouAddfrm::Text1(int index) {
+    return ctl<QLineEdit>(QStringLiteral("Text1"), index);
+}
+
+void YanShouAddfrm::build(QWidget* w) {
+    w->resize(vb::twips(5400), vb::twips(3240));
+    // Created in the order of the rows, so the tab order is theirs, then the buttons'.
+    for (int i = 0; i < 5; ++i) {
+        const int top = 240 + i * 435;
+        auto* label = new QLabel(QString::fromUtf16(kFields[i].label), w);
+        label->setObjectName(vb::ctlName(QStringLiteral("Label1"), i));
+        label->setGeometry(vb::twips(360), vb::twips(top + 45), vb::twips(1080), vb::twips(255));
+        auto* t = new QLineEdit(w);
+        t->setObjectName(vb::ctlName(QStringLiteral("Text1"), i));
+        if (kFields[i].maxLength > 0) t->setMaxLength(kFields[i].maxLength);
+        t->setGeometry(vb::twips(1440), vb::twips(top), vb::twips(3480), vb::twips(315));
+        if (i == 0) t->setReadOnly(true); // shown only: the source is not passed on
+        vb::selectAllOnFocus(t);
+        vb::enterAsTab(t);
+        vb::onLostFocus(t, [this, i] { Text1_LostFocus(i); });
+    }
+    const char16_t* captions[2] = {u"&A  确定", u"&X  取消"};
+    for (int i = 0; i < 2; ++i) {
+        auto* b = new QPushButton(QString::fromUtf16(captions[i]), w);
+        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), i));
+        b->setGeometry(vb::twips(1080 + i * 1920), vb::twips(2520), vb::twips(1215),
+                       vb::twips(375));
+        connect(b, &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
+    }
+}
+
+void YanShouAddfrm::Text1_LostFocus(int index) {
+    QLineEdit* t = Text1(index);
+    const QString trimmed = vb::Trim(t->text());
+    if (trimmed != t->text()) t->setText(trimmed);
+    if (index != 2 || trimmed.isEmpty()) return;
+    if (!vb::IsNumeric(trimmed)) {
+        vb::MsgBox(QStringLiteral("无效数字格式，取消该操作。"), vb::vbCritical, kTitle);
+        t->clear();
+        t->setFocus();
+        return;
+    }
+    t->setText(vb::Format(vb::CDbl(trimmed), QStringLiteral("0.00")));
+}
+
+void YanShouAddfrm::Command1_Click(int index) {
+    if (index == 1) {
+        Unload(); // the grid stays as it was
+        return;
+    }
+    struct Check {
+        bool failed;
+        const char16_t* message;
+        int focus;
+    };
+    const Check checks[] = {
+        {Text1(1)->text().isEmpty(), u"验收'批号'不能为空，取消该操作。", 1},
+        {Text1(2)->text().isEmpty(), u"验收'金额'不能为空，取消该操作。", 2},
+        {Text1(3)->text().isEmpty() && Text1(4)->text().isEmpty(),
+         u"验收'发票号'或'收据号'不能为空，取消该操作。", 3},
+    };
+    for (const Check& c : checks) {
+        if (!c.failed) continue;
+        vb::MsgBox(QString::fromUtf16(c.message), vb::vbCritical, kTitle);
+        Text1(c.focus)->setFocus();
+        return;
+    }
+    auto code = [](const QString& text) {
+        return text.isEmpty() ? QStringLiteral("NULL") : u'\'' + text + u'\'';
+    };
+    vb::form<YanShoufrm>().addYS(Text1(1)->text(), vb::Val(Text1(2)->text()),
+                                 code(Text1(3)->text()), code(Text1(4)->text()));
+    Unload(); // whether the save went through or not
+}

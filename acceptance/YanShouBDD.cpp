@@ -1,0 +1,339 @@
+#include "acceptance/YanShouBDD.h"
+
+#include "acceptance/YanShouBDDfrm.h"
+#include "acceptance/YanShoufrm.h"
+#include "data/globals.h"
+#include "data/publicHanshu.h"
+#include "platform/Menu.h"
+#include "platform/adodb.h"
+#include "platform/errors.h"
+#include "platform/events.h"
+#include "platform/flexgrid.h"
+#include "platform/msgbox.h"
+#include "platform/transaction.h"
+#include "platform/vb.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+
+#include <algorithm>
+
+namespace {
+
+const QString kTitle = QStringLiteral("操作提示");
+const QString kChosen = QStringLiteral("√");
+const QString kNotChosen = QStringLiteral("×");
+constexpr int kButtons = 4;
+constexpr int kButtonHeight = 375;
+// Columns: 0 cgkid, 1 选定, 2 ISBN, 3 书名, 4 著者, 5 版本版次, 6 价格, 7 预定册数,
+// 8 欠到册数, 9 补定册数
+constexpr int kMark = 1;
+constexpr int kShort = 8;
+constexpr int kCount = 9;
+
+} // namespace
+
+YanShouBDD::YanShouBDD() : vb::Form(QStringLiteral("YanShouBDD")) {}
+
+vb::FlexGrid* YanShouBDD::Grid1() {
+    return ctl<vb::FlexGrid>(QStringLiteral("Grid1"));
+}
+
+QLineEdit* YanShouBDD::Text1() {
+    return ctl<QLineEdit>(QStringLiteral("Text1"));
+}
+
+void YanShouBDD::build(QWidget* w) {
+    w->setWindowTitle(QStringLiteral("补定单浏览"));
+    w->resize(vb::twips(11400), vb::twips(6600));
+
+    auto* grid = new vb::FlexGrid(w);
+    grid->setObjectName(QStringLiteral("Grid1"));
+    // The words of the acceptance grid, although the column edited here is 补定册数.
+    grid->setToolTip(QStringLiteral("<空格>选定、<Del>取消；<双击>或<回车>修改“验收册数”"));
+    grid->setGeometry(0, 0, vb::twips(11400), vb::twips(6000));
+
+    auto* editor = new QLineEdit(w);
+    editor->setObjectName(QStringLiteral("Text1"));
+    editor->setFocusPolicy(Qt::ClickFocus);
+    editor->hide();
+    connect(editor, &QLineEdit::textChanged, this, [this] { editFlag = true; });
+    vb::selectAllOnFocus(editor);
+    vb::onKeyPress(editor, [this](int& key) {
+        if (key == vb::vbKeyReturn) {
+            key = 0;
+            Grid1()->setFocus();
+        } else if (!YanShoufrm::keyAllowed(key)) {
+            key = 0;
+        }
+    });
+    vb::onLostFocus(editor, [this] { Text1_LostFocus(); });
+
+    const char16_t* captions[kButtons] = {u"&A  选择", u"&B  补定", u"&X  关闭", u"&C 取消选择"};
+    for (int i = 0; i < kButtons; ++i) {
+        auto* b = new QPushButton(QString::fromUtf16(captions[i]), w);
+        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), i));
+        b->setGeometry(vb::twips(360 + i * 1800), vb::twips(6120), vb::twips(1215),
+                       vb::twips(kButtonHeight));
+        connect(b, &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
+    }
+
+    connect(grid, &vb::FlexGrid::DblClick, this, [this] { editCellOpen(); });
+    connect(grid, &vb::FlexGrid::KeyDown, this, [this](int& key, int) {
+        if (key == vb::vbKeySpace)
+            Command1_Click(0);
+        else if (key == vb::vbKeyReturn)
+            editCellOpen();
+        else if (key == vb::vbKeyDelete)
+            Command1_Click(3);
+    });
+    connect(grid, &vb::FlexGrid::KeyPress, this, [this](int& key) {
+        if (key == vb::vbKeyReturn) editCellOpen();
+    });
+    connect(grid, &vb::FlexGrid::MouseDown, this, [this](int button, int, int, int) {
+        if (button == 2) menuAt();
+    });
+    connect(grid, &vb::FlexGrid::Scroll, this, [this] { Text1()->hide(); });
+    // The selection spans the whole row here: no column decides what is edited.
+    connect(grid, &vb::FlexGrid::RowColChange, this, [this] {
+        if (!m_placing) highlightRow();
+    });
+    connect(grid, &vb::FlexGrid::GotFocus, this, [this] { highlightRow(); });
+}
+
+void YanShouBDD::highlightRow() {
+    vb::FlexGrid* g = Grid1();
+    // Setting Col collapses the range onto the current row; a range being extended with
+    // Shift keeps its other end.
+    const int rowSel = g->RowSel();
+    g->setCol(0);
+    g->setRowSel(rowSel);
+    g->setColSel(g->Cols() - 1);
+}
+
+void YanShouBDD::onLoad() {
+    Move(0, 0);
+}
+
+void YanShouBDD::onResize() {
+    vb::resume([&] {
+        for (int i = 0; i < kButtons; ++i) {
+            auto* b = ctl<QPushButton>(QStringLiteral("Command1"), i);
+            b->move(b->x(), vb::twips(ScaleHeight() - kButtonHeight - 50));
+        }
+    });
+    vb::resume([&] { Grid1()->resize(vb::twips(ScaleWidth()), Grid1()->height()); });
+    vb::resume([&] {
+        const int top = vb::toTwips(ctl<QPushButton>(QStringLiteral("Command1_0"))->y());
+        Grid1()->resize(Grid1()->width(), std::max(0, vb::twips(top - 100)));
+    });
+    vb::resume([&] { gridFix(); });
+}
+
+void YanShouBDD::menuAt() {
+    Menu menu;
+    const int id =
+        menu.rightMenu({QStringLiteral("选择"), QStringLiteral("-"), QStringLiteral("修改"),
+                        QStringLiteral("-"), QStringLiteral("取消选择"), QStringLiteral("-"),
+                        QStringLiteral("补定"), QStringLiteral("-"), QStringLiteral("关闭")});
+    switch (id) {
+    case 1:
+        Command1_Click(0);
+        break;
+    case 3:
+        editCellOpen();
+        break;
+    case 5:
+        Command1_Click(3);
+        break;
+    case 7:
+        Command1_Click(1);
+        break;
+    case 9:
+        Command1_Click(2);
+        break;
+    default:
+        break;
+    }
+}
+
+void YanShouBDD::loadData(const QString& sql) {
+    vb::FlexGrid* g = Grid1();
+    {
+        adodb::Connection conn;
+        conn.Open(gConnStr);
+        adodb::Recordset rs;
+        rs.Open(sql, conn, adodb::adOpenDynamic, adodb::adLockOptimistic, adodb::adCmdText);
+        g->bind(rs);
+    }
+    gridFix();
+    g->setRowHeight(0, 350);
+    g->setRow(1);
+    g->setCol(0);
+    g->setColSel(g->Cols() - 1);
+}
+
+void YanShouBDD::gridFix() {
+    vb::FlexGrid* g = Grid1();
+    static constexpr int widths[] = {0, 520, 1395, 0, 1100, 930, 930, 930, 930, 930};
+    for (int c = 0; c < 10; ++c)
+        if (c != 3) g->setColWidth(c, widths[c]);
+    const int width = vb::toTwips(g->width());
+    const double fit = (vb::toTwips(g->height()) - 350) / static_cast<double>(g->RowHeight(1));
+    g->setColWidth(3, width - 7665 - (fit > g->Rows() - 1 ? 80 : 360));
+}
+
+void YanShouBDD::Command1_Click(int index) {
+    switch (index) {
+    case 0:
+        selectRange();
+        break;
+    case 1:
+        if (vb::MsgBox(QStringLiteral("是否确定补定所选书目？（Y/N）"),
+                       vb::vbYesNo + vb::vbInformation, kTitle) == vb::vbYes)
+            saveBuDing();
+        break;
+    case 2:
+        Unload();
+        break;
+    default:
+        unselectRange();
+        break;
+    }
+}
+
+void YanShouBDD::selectRange() {
+    vb::FlexGrid* g = Grid1();
+    const auto [from, to] = YanShoufrm::range(g);
+    for (int r = from; r <= to; ++r) {
+        if (g->TextMatrix(r, kMark) != kNotChosen) continue;
+        g->setTextMatrix(r, kMark, kChosen);
+        g->setTextMatrix(r, kCount, g->TextMatrix(r, kShort));
+    }
+}
+
+void YanShouBDD::unselectRange() {
+    vb::FlexGrid* g = Grid1();
+    const auto [from, to] = YanShoufrm::range(g);
+    for (int r = from; r <= to; ++r) {
+        g->setTextMatrix(r, kMark, kNotChosen);
+        g->setTextMatrix(r, kCount, QStringLiteral("0"));
+    }
+}
+
+void YanShouBDD::editCellOpen() {
+    vb::FlexGrid* g = Grid1();
+    bool open = false;
+    vb::resume([&] {
+        const int row = g->Row();
+        open = !vb::Trim(g->TextMatrix(row, 0)).isEmpty() && row != 0 &&
+               g->TextMatrix(row, kMark) != kNotChosen;
+    });
+    if (!open) return;
+    // Whichever column was clicked, only 补定册数 is edited.
+    m_placing = true;
+    vb::resume([&] { g->setCol(kCount); });
+    QLineEdit* t = Text1();
+    vb::resume([&] {
+        const QRect cell = g->cellRect(g->Row(), kCount);
+        t->setGeometry(g->x() + cell.x(), g->y() + cell.y() + vb::twips(10),
+                       vb::twips(g->CellWidth() - 30), vb::twips(g->CellHeight() - 50));
+    });
+    vb::resume([&] { t->setText(g->TextMatrix(g->Row(), kCount)); });
+    vb::resume([&] {
+        t->show();
+        t->raise();
+        t->setFocus();
+    });
+    m_placing = false;
+    editFlag = false;
+    editCell[0] = static_cast<int16_t>(g->Row());
+    editCell[1] = kCount;
+}
+
+void YanShouBDD::Text1_LostFocus() {
+    QLineEdit* t = Text1();
+    t->hide();
+    const QString plain = YanShoufrm::plainNumber(t->text());
+    if (plain != t->text()) t->setText(plain);
+    vb::FlexGrid* g = Grid1();
+    if (editFlag) {
+        const QString text = t->text();
+        g->setTextMatrix(editCell[0], editCell[1], text);
+        if (text == QStringLiteral("0")) g->setTextMatrix(editCell[0], kMark, kNotChosen);
+        t->clear();
+    }
+    highlightRow();
+    g->setFocus();
+}
+
+int16_t YanShouBDD::newCgkId() {
+    // Its own connection, outside the caller's transaction: ids drawn by a save that is
+    // rolled back stay used.
+    adodb::Connection conn;
+    conn.Open(gConnStr);
+    adodb::Recordset rs;
+    rs.Open(QStringLiteral("Select Code From Global Where type='cgkid'"), conn,
+            adodb::adOpenDynamic, adodb::adLockOptimistic, adodb::adCmdText);
+    const QString code = rs.text(0);
+    const int16_t id = vb::CInt(code); // above 32767: overflow
+    conn.Execute(QStringLiteral("Update global Set code='") + vb::CStr(vb::Val(code) + 1) +
+                 QStringLiteral("' Where type='cgkid'"));
+    return id;
+}
+
+void YanShouBDD::saveBuDing() {
+    adodb::Connection conn;
+    conn.Open(gConnStr);
+    adodb::Transaction tx(conn);
+    int16_t kinds = 0, copies = 0;
+    vb::FlexGrid* g = Grid1();
+    bool trapped = false;
+    try {
+        for (int r = g->Rows() - 1; r >= 1; --r) {
+            if (g->TextMatrix(r, 0).isEmpty()) break;
+            if (g->TextMatrix(r, kMark) != kChosen) continue;
+            trapped = true;
+            const QString id = g->TextMatrix(r, 0);
+            // The old order counts as complete from now on.
+            conn.Execute(QStringLiteral("Update cgk Set bookcount=yscount Where cgkid=") + id);
+            const int16_t newId = newCgkId();
+            const QString today = vb::Format(serverDate(), QStringLiteral("yyyy-mm-dd"));
+            conn.Execute(
+                QStringLiteral("Insert Into cgk (cgkid,bookname,author,zdcode,isbn,pubplace,"
+                               "publisher,pubdate,edition,pages,") +
+                QStringLiteral("lagclass,classcode,measure,docclass,bookcount,price,cgff,yddate,"
+                               "status,bookfrom,cgname) Select ") +
+                QString::number(newId) +
+                QStringLiteral(",bookname,author,zdcode,isbn,pubplace,publisher,pubdate,edition,"
+                               "pages,") +
+                QStringLiteral("lagclass,classcode,measure,docclass,") + g->TextMatrix(r, kCount) +
+                QStringLiteral(",price,'补定','") + today + QStringLiteral("',0,bookfrom,'") +
+                gUserName + QStringLiteral("' From cgk Where cgkid=") + id);
+            kinds = vb::CInt(kinds + 1.0);
+            copies = vb::CInt(copies + vb::Val(g->TextMatrix(r, kCount)));
+            if (r == 1) {
+                for (int c = 0; c < g->Cols(); ++c) g->setTextMatrix(1, c, QString());
+            } else {
+                g->RemoveItem(r);
+            }
+        }
+        tx.commit();
+    } catch (const vb::VbError&) {
+        if (!trapped) throw;
+        tx.rollback();
+        // No totals; the grid stays as far as the walk had come.
+        vb::MsgBox(QStringLiteral("补定单操作失败，取消该操作。"), vb::vbCritical, kTitle);
+        return;
+    }
+    if (kinds != 0)
+        vb::MsgBox(QStringLiteral("补定书目成功。             ") + QStringLiteral("\r\n") +
+                       QStringLiteral("补定种类：") + QString::number(kinds) +
+                       QStringLiteral("；补定册数：") + QString::number(copies) +
+                       QStringLiteral("。"),
+                   vb::vbInformation, QStringLiteral("补定提示"));
+    if (g->TextMatrix(1, 0).isEmpty() && g->Rows() == 2) {
+        Unload();
+        vb::form<YanShouBDDfrm>().Show(0);
+    }
+}

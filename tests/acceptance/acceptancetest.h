@@ -1,0 +1,126 @@
+#pragma once
+// Shared by the acceptance tests: a fresh database with orders made to measure, the forms
+// reached as a user reaches them, a dump of every table to prove a failed save left
+// nothing behind, and a fault that strikes the k-th write on cgk.
+
+#include "data/globals.h"
+#include "platform/flexgrid.h"
+#include "platform/form.h"
+#include "tests/support/testsupport.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+
+#include <ostream>
+
+inline void PrintTo(const QString& s, std::ostream* os) {
+    *os << '"' << s.toStdString() << '"';
+}
+
+class AcceptanceDb : public testsupport::DbTest {
+protected:
+    void SetUp() override {
+        DbTest::SetUp();
+        gConnStr = makeDatabase(false);
+        gUserName = QStringLiteral("验收员乙");
+        exec(QStringLiteral("DELETE FROM cgk"));
+        exec(QStringLiteral("UPDATE Global SET code='500' WHERE type='cgkid'"));
+    }
+    void TearDown() override {
+        vb::FormRegistry::destroyAll();
+        DbTest::TearDown();
+    }
+
+    QString q(const QString& sql) { return testsupport::querySqlite(dbPath(), sql); }
+    void exec(const QString& sql) { testsupport::execSqlite(dbPath(), sql); }
+
+    // An open order.
+    void order(int id, const QString& source, const QString& title, int count, const QString& price,
+               const QString& yddate = QStringLiteral("2004-03-01")) {
+        exec(QStringLiteral("INSERT INTO cgk (cgkid,bookfrom,bookname,author,isbn,edition,price,"
+                            "bookcount,yddate,status,cgff,lagclass,pages) VALUES (%1,'%2','%3',"
+                            "'作者%1','7-02-00%1-X','第1版',%4,%5,'%6',0,'直接采购','中文',200)")
+                 .arg(id)
+                 .arg(QString(source).replace(u'\'', QStringLiteral("''")), title, price)
+                 .arg(count)
+                 .arg(yddate));
+    }
+    // An accepted order, short by bookcount - yscount.
+    void accepted(int id, const QString& source, const QString& batch, int count, int got) {
+        order(id, source, QStringLiteral("已验收书%1").arg(id), count, QStringLiteral("20"));
+        exec(QStringLiteral("UPDATE cgk SET status=1,batch='%1',yscount=%2,ysprice=20,"
+                            "ysname='甲',ysdate='2004-04-01',fpcode='F1',ysjine=100 WHERE cgkid=%3")
+                 .arg(batch)
+                 .arg(got)
+                 .arg(id));
+    }
+
+    // Every table but the fault's, row by row, optionally without the cgkid counter.
+    QString dump(bool withCounter = true) {
+        QString out;
+        const QStringList tables =
+            q(QStringLiteral("SELECT group_concat(name, ',') FROM (SELECT name FROM sqlite_master "
+                             "WHERE type='table' AND name<>'fault' ORDER BY name)"))
+                .split(u',');
+        for (const QString& t : tables) {
+            const QStringList cols =
+                q(QStringLiteral("SELECT group_concat(name, ',') FROM pragma_table_info('%1')")
+                      .arg(t))
+                    .split(u',');
+            QStringList quoted;
+            for (const QString& c : cols) quoted << QStringLiteral("quote(\"%1\")").arg(c);
+            QString where;
+            if (!withCounter && t.compare(QStringLiteral("Global"), Qt::CaseInsensitive) == 0)
+                where = QStringLiteral(" WHERE type<>'cgkid'");
+            out += t + u'\n' +
+                   q(QStringLiteral("SELECT group_concat(r, char(10)) FROM (SELECT %1 AS r FROM "
+                                    "\"%2\"%3 ORDER BY rowid)")
+                         .arg(quoted.join(QStringLiteral("||'|'||")), t, where)) +
+                   u'\n';
+        }
+        return out;
+    }
+
+    // The k-th INSERT or UPDATE on cgk fails (k counted from 1); 0 disarms.
+    void armFault(int k) {
+        exec(QStringLiteral("DROP TABLE IF EXISTS fault; CREATE TABLE fault(n INTEGER);"
+                            "INSERT INTO fault VALUES (%1);"
+                            "DROP TRIGGER IF EXISTS fault_u; DROP TRIGGER IF EXISTS fault_i;")
+                 .arg(k));
+        for (const char* when : {"UPDATE", "INSERT"})
+            exec(QStringLiteral("CREATE TRIGGER fault_%1 BEFORE %2 ON cgk BEGIN "
+                                "UPDATE fault SET n=n-1; SELECT RAISE(ABORT,'injected fault') "
+                                "WHERE (SELECT n FROM fault)=0; END")
+                     .arg(QString::fromLatin1(when).left(1).toLower(), QString::fromLatin1(when)));
+    }
+    // Keeps and brings back the database file between runs of a save.
+    void keep() { ASSERT_TRUE(QFile::copy(dbPath(), dbPath() + QStringLiteral(".kept"))); }
+    void restore() {
+        QFile::remove(dbPath());
+        ASSERT_TRUE(QFile::copy(dbPath() + QStringLiteral(".kept"), dbPath()));
+    }
+
+    static void click(vb::Form& f, const QString& name) {
+        QTest::mouseClick(f.ctl<QPushButton>(name), Qt::LeftButton);
+        testsupport::settle();
+    }
+    static void key(vb::FlexGrid* g, Qt::Key k) {
+        g->setFocus();
+        testsupport::settle();
+        QTest::keyClick(g, k);
+        testsupport::settle();
+    }
+    static void range(vb::FlexGrid* g, int row, int rowSel) {
+        g->setRow(row);
+        g->setRowSel(rowSel);
+    }
+    static QStringList column(vb::FlexGrid* g, int c) {
+        QStringList out;
+        for (int r = 1; r < g->Rows(); ++r) out << g->TextMatrix(r, c);
+        return out;
+    }
+    static vb::ScriptedMsgBox& boxes() { return testsupport::boxes(); }
+};

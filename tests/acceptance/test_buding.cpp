@@ -1,0 +1,195 @@
+// Replenishment orders: the shortfalls narrowed by batch and source, the copies lowered,
+// raised, zeroed and chosen again, the save with its counter drawn outside the transaction,
+// and a fault made to strike each statement of a five-row save in turn.
+
+#include "acceptance/YanShouBDD.h"
+#include "acceptance/YanShouBDDfrm.h"
+#include "acceptance/YanShoudofrm.h"
+#include "acceptance/YanShoufrm.h"
+#include "tests/acceptance/acceptancetest.h"
+
+namespace {
+
+using testsupport::settle;
+using testsupport::typeAndLeave;
+using testsupport::typeText;
+
+const QString kChosen = QStringLiteral("√");
+const QString kNot = QStringLiteral("×");
+const QString kAsk = QStringLiteral("是否确定补定所选书目？（Y/N）");
+const QString kFailed = QStringLiteral("补定单操作失败，取消该操作。");
+
+class Replenish : public AcceptanceDb {
+protected:
+    YanShouBDDfrm& dlg() { return vb::form<YanShouBDDfrm>(); }
+    YanShouBDD& frm() { return vb::form<YanShouBDD>(); }
+    vb::FlexGrid* grid() { return frm().Grid1(); }
+
+    void search(const QString& batch, const QString& source) {
+        if (!dlg().isVisible()) {
+            dlg().Show(0);
+            ASSERT_TRUE(QTest::qWaitForWindowActive(dlg().window()));
+        }
+        QApplication::setActiveWindow(dlg().window());
+        typeAndLeave(dlg().Text1(0), batch);
+        typeAndLeave(dlg().Text1(1), source);
+        click(dlg(), QStringLiteral("Command1_0"));
+        if (frm().isLoaded()) QApplication::setActiveWindow(frm().window());
+    }
+    // Double click on any column of a row opens the editor over column 9.
+    void edit(int row, int col, const QString& text) {
+        grid()->setRow(row);
+        grid()->setCol(col);
+        Q_EMIT grid()->DblClick();
+        settle();
+        ASSERT_TRUE(frm().Text1()->isVisible()) << row;
+        EXPECT_EQ(frm().editCell[1], 9);
+        EXPECT_EQ(frm().Text1()->x(), grid()->x() + grid()->cellRect(row, 9).x());
+        frm().Text1()->selectAll();
+        QTest::keyClick(frm().Text1(), Qt::Key_Backspace);
+        typeText(frm().Text1(), text);
+        QTest::keyClick(frm().Text1(), Qt::Key_Return);
+        settle();
+    }
+    void save(int answer) {
+        boxes().answer(answer);
+        click(frm(), QStringLiteral("Command1_1"));
+    }
+    QString counter() { return q(QStringLiteral("SELECT code FROM Global WHERE type='cgkid'")); }
+};
+
+TEST_F(Replenish, ShortTitlesAreOrderedAgainOnceEach) {
+    accepted(1, QStringLiteral("新华书店"), QStringLiteral("B1"), 5, 3);
+    accepted(2, QStringLiteral("新华书店"), QStringLiteral("B1"), 4, 1);
+    accepted(3, QStringLiteral("新华书店"), QStringLiteral("B1"), 6, 2);
+    accepted(4, QStringLiteral("O'Reilly书店"), QStringLiteral("B1"), 2, 1);
+    accepted(5, QStringLiteral("新华书店"), QStringLiteral("B2"), 3, 3); // delivered in full
+
+    // Neither field: refused; a batch delivered in full: no shortfall.
+    dlg().Show(0);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dlg().window()));
+    EXPECT_EQ(dlg().caption(), QStringLiteral("补 定 单"));
+    click(dlg(), QStringLiteral("Command1_0"));
+    ASSERT_EQ(boxes().calls().size(), 1u);
+    EXPECT_EQ(boxes().last().prompt, QStringLiteral("无效补定条件，取消该操作。"));
+    EXPECT_EQ(QApplication::focusWidget(), dlg().Text1(0));
+    boxes().clear();
+    search(QStringLiteral("B2"), QString());
+    ASSERT_EQ(boxes().calls().size(), 1u);
+    EXPECT_EQ(boxes().last().prompt, QStringLiteral("没有符合该条件的书目欠到，不需要补定单。"));
+    EXPECT_EQ(boxes().last().flags, 16);
+    EXPECT_FALSE(frm().isLoaded());
+    // Batch and source together, each matched whole, the quote doubled.
+    search(QStringLiteral("B1"), QStringLiteral("O'Reilly书店"));
+    ASSERT_TRUE(frm().isLoaded());
+    EXPECT_EQ(column(grid(), 0), QStringList{QStringLiteral("4")});
+    // The batch alone: the three short titles of 新华书店 and O'Reilly's.
+    search(QStringLiteral("B1"), QString());
+    EXPECT_EQ(frm().caption(), QStringLiteral("补定单浏览"));
+    EXPECT_EQ(dlg().Text1(0)->text(), QStringLiteral("B1")); // the dialog keeps its texts
+    ASSERT_EQ(grid()->Cols(), 10);
+    EXPECT_EQ(grid()->TextMatrix(0, 8), QStringLiteral("欠到册数"));
+    EXPECT_EQ(grid()->TextMatrix(0, 9), QStringLiteral("补定册数"));
+    EXPECT_EQ(column(grid(), 8), (QStringList{QStringLiteral("2"), QStringLiteral("3"),
+                                              QStringLiteral("4"), QStringLiteral("1")}));
+    EXPECT_EQ(grid()->ColSel(), 9); // the whole row
+    EXPECT_NEAR(grid()->ColWidth(3), vb::toTwips(grid()->width()) - 7665 - 80, 15);
+
+    // Chosen with the shortfall; lowered, raised, zeroed (unchosen) and chosen again.
+    range(grid(), 1, 4);
+    key(grid(), Qt::Key_Space);
+    EXPECT_EQ(column(grid(), 9), column(grid(), 8));
+    edit(1, 2, QStringLiteral("1")); // lowered: 2 short, 1 ordered
+    edit(2, 5, QStringLiteral("7")); // raised: no upper check
+    edit(3, 9, QStringLiteral("0")); // zeroed
+    EXPECT_EQ(grid()->TextMatrix(3, 1), kNot);
+    EXPECT_EQ(grid()->TextMatrix(3, 9), QStringLiteral("0"));
+    EXPECT_EQ(grid()->Col(), 0);
+    EXPECT_EQ(grid()->ColSel(), 9);
+    range(grid(), 3, 3);
+    key(grid(), Qt::Key_Space);
+    EXPECT_EQ(grid()->TextMatrix(3, 9), QStringLiteral("4"));
+    range(grid(), 4, 4);
+    key(grid(), Qt::Key_Delete); // O'Reilly's stays out
+
+    // No: nothing happens.
+    save(vb::vbNo);
+    ASSERT_EQ(boxes().calls().size(), 1u);
+    EXPECT_EQ(boxes().last().prompt, kAsk);
+    EXPECT_EQ(boxes().last().flags, 68);
+    EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM cgk")), QStringLiteral("5"));
+
+    boxes().clear();
+    save(vb::vbYes);
+    ASSERT_EQ(boxes().calls().size(), 2u);
+    EXPECT_EQ(boxes().last().prompt,
+              QStringLiteral("补定书目成功。             \r\n补定种类：3；补定册数：12。"));
+    EXPECT_EQ(boxes().last().title, QStringLiteral("补定提示"));
+    EXPECT_EQ(boxes().last().flags, 64);
+    // Old rows closed at what came; new rows numbered from the counter, bottom row first.
+    EXPECT_EQ(
+        q(QStringLiteral("SELECT group_concat(cgkid||':'||bookcount) FROM cgk WHERE cgkid<=4")),
+        QStringLiteral("1:3,2:1,3:2,4:2"));
+    EXPECT_EQ(
+        q(QStringLiteral("SELECT group_concat(cgkid||':'||bookcount||':'||bookname, ' ') FROM "
+                         "(SELECT * FROM cgk WHERE cgkid>=500 ORDER BY cgkid)")),
+        QStringLiteral("500:4:已验收书3 501:7:已验收书2 502:1:已验收书1"));
+    EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM cgk WHERE cgkid>=500 AND status=0 AND "
+                               "cgff='补定' AND cgname='验收员乙' AND yscount IS NULL AND "
+                               "batch IS NULL AND bookfrom='新华书店' AND pages=200 AND "
+                               "yddate=date('now','localtime')")),
+              QStringLiteral("3"));
+    EXPECT_EQ(counter(), QStringLiteral("503"));
+    // The unchosen row stays, under the blanked first row.
+    EXPECT_EQ(column(grid(), 0), (QStringList{QString(), QStringLiteral("4")}));
+
+    // Not twice from the same rows; the new rows are open orders of their source.
+    frm().Unload();
+    boxes().clear();
+    dlg().Text1(0)->clear();
+    search(QString(), QStringLiteral("新华书店"));
+    EXPECT_EQ(boxes().last().prompt, QStringLiteral("没有符合该条件的书目欠到，不需要补定单。"));
+    auto& yanshou = vb::form<YanShoudofrm>();
+    yanshou.Show(0);
+    yanshou.Text1()->setText(QStringLiteral("新华书店"));
+    ASSERT_TRUE(yanshou.openYanShouGrid());
+    QStringList found = column(vb::form<YanShoufrm>().Grid1(), 0);
+    found.sort();
+    EXPECT_EQ(found,
+              (QStringList{QStringLiteral("500"), QStringLiteral("501"), QStringLiteral("502")}));
+
+    // Nothing chosen: the question still, then no totals.
+    boxes().clear();
+    search(QStringLiteral("B1"), QString());
+    save(vb::vbYes);
+    EXPECT_EQ(boxes().prompts(), QStringList{kAsk});
+}
+
+TEST_F(Replenish, AFailureAnywhereLeavesOnlyTheCounterMoved) {
+    for (int i = 1; i <= 5; ++i)
+        accepted(i, QStringLiteral("新华书店"), QStringLiteral("B1"), 4, 1);
+    armFault(0);
+    keep();
+    const QString before = dump(false);
+    // Statements on cgk: update and insert per row, bottom row first; the k-th fails.
+    // k = 11: the counter at 32767 overflows at the second row.
+    for (int k = 1; k <= 11; ++k) {
+        restore();
+        armFault(k <= 10 ? k : 0);
+        if (k == 11) exec(QStringLiteral("UPDATE Global SET code='32767' WHERE type='cgkid'"));
+        boxes().clear();
+        search(QStringLiteral("B1"), QString());
+        range(grid(), 1, 5);
+        key(grid(), Qt::Key_Space);
+        save(vb::vbYes);
+        ASSERT_EQ(boxes().prompts(), (QStringList{kAsk, kFailed})) << k;
+        EXPECT_EQ(dump(false), before) << k;
+        // Ids drawn before the failure stay used.
+        EXPECT_EQ(counter(), k <= 10 ? QString::number(500 + k / 2) : QStringLiteral("32768")) << k;
+        const int walked = k <= 10 ? (k - 1) / 2 : 1;
+        EXPECT_EQ(grid()->Rows(), 1 + 5 - walked) << k;
+        vb::FormRegistry::destroyAll();
+    }
+}
+
+} // namespace

@@ -1,0 +1,410 @@
+// Acceptance as a librarian does it: the source named in the dialog (picker and search),
+// rows chosen and edited in the grid, the voucher checked and written, and a fault made to
+// strike each statement of a five-row voucher in turn.
+
+#include "acceptance/YanShouAddfrm.h"
+#include "acceptance/YanShoudofrm.h"
+#include "acceptance/YanShoufrm.h"
+#include "platform/Menu.h"
+#include "supplier/gysListfrm.h"
+#include "tests/acceptance/acceptancetest.h"
+
+#include <QTimer>
+
+#include <functional>
+
+namespace {
+
+using testsupport::settle;
+using testsupport::typeAndLeave;
+using testsupport::typeText;
+
+const QString kChosen = QStringLiteral("√");
+const QString kNot = QStringLiteral("×");
+const QString kOReilly = QStringLiteral("O'Reilly书店");
+
+class Acceptance : public AcceptanceDb {
+protected:
+    YanShoudofrm& dlg() { return vb::form<YanShoudofrm>(); }
+    YanShoufrm& frm() { return vb::form<YanShoufrm>(); }
+    YanShouAddfrm& voucher() { return vb::form<YanShouAddfrm>(); }
+    vb::FlexGrid* grid() { return frm().Grid1(); }
+
+    void openDialog() {
+        dlg().Show(0);
+        ASSERT_TRUE(QTest::qWaitForWindowActive(dlg().window()));
+    }
+    // Names the source and searches, as the user does.
+    void search(const QString& source) {
+        QApplication::setActiveWindow(dlg().window());
+        typeAndLeave(dlg().Text1(), source);
+        click(dlg(), QStringLiteral("Command1_0"));
+    }
+    // Opens the editor on (row, col) with Enter, types, leaves with Enter.
+    void edit(int row, int col, const QString& text) {
+        grid()->setRow(row);
+        grid()->setCol(col);
+        key(grid(), Qt::Key_Return);
+        ASSERT_TRUE(frm().Text1()->isVisible()) << row << "," << col;
+        frm().Text1()->selectAll();
+        QTest::keyClick(frm().Text1(), Qt::Key_Backspace);
+        typeText(frm().Text1(), text);
+        QTest::keyClick(frm().Text1(), Qt::Key_Return);
+        settle();
+    }
+    bool editorOpensOn(int row, int col) {
+        grid()->setRow(row);
+        grid()->setCol(col);
+        Q_EMIT grid()->DblClick();
+        settle();
+        const bool open = frm().Text1()->isVisible();
+        if (open) {
+            grid()->setFocus();
+            settle();
+        }
+        return open;
+    }
+    // 验收 and the voucher filled in; a modal loop runs while the voucher is up.
+    void accept(const QString& batch, const QString& amount, const QString& fp, const QString& sj,
+                const std::function<void()>& check = {}) {
+        QTimer::singleShot(0, [=, this] {
+            ASSERT_TRUE(voucher().isModalShowing());
+            if (check) check();
+            QApplication::setActiveWindow(voucher().window());
+            settle();
+            typeAndLeave(voucher().Text1(1), batch);
+            if (!amount.isNull()) typeAndLeave(voucher().Text1(2), amount);
+            typeAndLeave(voucher().Text1(3), fp);
+            typeAndLeave(voucher().Text1(4), sj);
+            click(voucher(), QStringLiteral("Command1_0"));
+            if (voucher().isLoaded()) voucher().Command1_Click(1); // refused: leave it
+        });
+        click(frm(), QStringLiteral("Command1_1"));
+    }
+    QString row(int id, const QString& cols) {
+        return q(QStringLiteral("SELECT %1 FROM cgk WHERE cgkid=%2").arg(cols).arg(id));
+    }
+};
+
+TEST_F(Acceptance, TheSourceIsPickedByPartAndSearchedWhole) {
+    order(1, kOReilly, QStringLiteral("Qt编程"), 3, QStringLiteral("45.5"),
+          QStringLiteral("2004-03-02"));
+    order(2, kOReilly, QStringLiteral("C++语言"), 2, QStringLiteral("60"),
+          QStringLiteral("2004-01-15"));
+    order(3, QStringLiteral("新华书店"), QStringLiteral("红楼梦"), 1, QStringLiteral("30"));
+    accepted(4, QStringLiteral("新华书店北京"), QStringLiteral("B1"), 2, 2);
+    openDialog();
+    EXPECT_EQ(dlg().caption(), QStringLiteral("采购验收"));
+
+    // Nothing named: the message, the focus back.
+    click(dlg(), QStringLiteral("Command1_0"));
+    ASSERT_EQ(boxes().calls().size(), 1u);
+    EXPECT_EQ(boxes().last().prompt, QStringLiteral("请输入'采购来源'以便验收。"));
+    EXPECT_EQ(boxes().last().flags, 16);
+    EXPECT_EQ(QApplication::focusWidget(), dlg().Text1());
+
+    // The picker lists sources of open orders by part, the quote doubled in its statement.
+    QApplication::setActiveWindow(dlg().window());
+    typeAndLeave(dlg().Text1(), QStringLiteral("'Rei"));
+    click(dlg(), QStringLiteral("Command2"));
+    auto& list = vb::form<gysListfrm>();
+    ASSERT_TRUE(list.isLoaded());
+    ASSERT_EQ(list.listCount(), 1);
+    list.Grid1_Click();
+    EXPECT_EQ(dlg().Text1()->text(), kOReilly);
+    QApplication::setActiveWindow(dlg().window());
+    settle();
+
+    // "新华" is part of a source: the picker has it (the accepted source's name not), the
+    // search does not.
+    typeAndLeave(dlg().Text1(), QStringLiteral("  新华 "));
+    EXPECT_EQ(dlg().Text1()->text(), QStringLiteral("新华"));
+    click(dlg(), QStringLiteral("Command2"));
+    ASSERT_EQ(list.listCount(), 1);
+    EXPECT_EQ(list.Grid1()->TextMatrix(1, 0), QStringLiteral("新华书店"));
+    list.Unload();
+    boxes().clear();
+    click(dlg(), QStringLiteral("Command1_0"));
+    ASSERT_EQ(boxes().calls().size(), 1u);
+    EXPECT_EQ(boxes().last().prompt,
+              QStringLiteral("没有符合该条件的采购预定资料存在,取消该操作。"));
+    EXPECT_EQ(boxes().last().flags, 64);
+    EXPECT_EQ(dlg().Text1()->text(), QStringLiteral("新华"));
+    EXPECT_FALSE(frm().isLoaded());
+
+    // The whole name with its quote finds both orders, oldest first.
+    search(kOReilly);
+    ASSERT_TRUE(frm().isLoaded());
+    EXPECT_EQ(frm().caption(), QStringLiteral("采购验收管理"));
+    EXPECT_EQ(frm().doLaiYuan, kOReilly);
+    EXPECT_TRUE(dlg().Text1()->text().isEmpty());
+    EXPECT_TRUE(dlg().isLoaded()); // stays behind
+    const QStringList heads = {
+        QStringLiteral("cgkid"),    QStringLiteral("预定日期"), QStringLiteral("选择"),
+        QStringLiteral("预定册数"), QStringLiteral("验收册数"), QStringLiteral("书   名"),
+        QStringLiteral("ISBN"),     QStringLiteral("版本版次"), QStringLiteral("价 格")};
+    ASSERT_EQ(grid()->Cols(), 9);
+    for (int c = 0; c < 9; ++c) EXPECT_EQ(grid()->TextMatrix(0, c), heads[c]);
+    EXPECT_EQ(column(grid(), 0), (QStringList{QStringLiteral("2"), QStringLiteral("1")}));
+    EXPECT_EQ(column(grid(), 1),
+              (QStringList{QStringLiteral("2004/01/15"), QStringLiteral("2004/03/02")}));
+    EXPECT_EQ(column(grid(), 2), (QStringList{kNot, kNot}));
+    EXPECT_EQ(column(grid(), 4), (QStringList{QStringLiteral("0"), QStringLiteral("0")}));
+    EXPECT_EQ(column(grid(), 8), (QStringList{QStringLiteral("60"), QStringLiteral("45.5")}));
+    // Widths (to whole pixels), the title column taking the rest less 80.
+    const int widths[] = {0, 1440, 520, 930, 930, -1, 1395, 930, 930};
+    for (int c = 0; c < 9; ++c)
+        if (widths[c] >= 0) EXPECT_EQ(grid()->ColWidth(c), vb::toTwips(vb::twips(widths[c]))) << c;
+    EXPECT_NEAR(grid()->ColWidth(5), vb::toTwips(grid()->width()) - 7075 - 80, 15);
+    EXPECT_EQ(grid()->Row(), 1);
+    EXPECT_EQ(grid()->Col(), 0);
+    EXPECT_EQ(grid()->ColSel(), 8);
+}
+
+TEST_F(Acceptance, RowsAreChosenEditedAndTotalled) {
+    for (int i = 1; i <= 4; ++i)
+        order(i, QStringLiteral("新华书店"), QStringLiteral("书%1").arg(i), i + 1,
+              QStringLiteral("10.5"), QStringLiteral("2004-03-0%1").arg(i));
+    order(5, QStringLiteral("新华书店"), QStringLiteral("赠书"), 0, QStringLiteral("8"),
+          QStringLiteral("2004-03-09"));
+    openDialog();
+    search(QStringLiteral("新华书店"));
+    ASSERT_TRUE(frm().isLoaded());
+    QApplication::setActiveWindow(frm().window());
+
+    // Space over rows 3..1 (either order) chooses them with their ordered counts.
+    range(grid(), 3, 1);
+    key(grid(), Qt::Key_Space);
+    EXPECT_EQ(column(grid(), 2), (QStringList{kChosen, kChosen, kChosen, kNot, kNot}));
+    EXPECT_EQ(column(grid(), 4),
+              (QStringList{QStringLiteral("2"), QStringLiteral("3"), QStringLiteral("4"),
+                           QStringLiteral("0"), QStringLiteral("0")}));
+    // Counts are edited as the leading number, in its plain form; letters never get in.
+    edit(2, 4, QStringLiteral("1x"));
+    EXPECT_EQ(grid()->TextMatrix(2, 4), QStringLiteral("1"));
+    edit(3, 8, QStringLiteral("12.50"));
+    EXPECT_EQ(grid()->TextMatrix(3, 8), QStringLiteral("12.5"));
+    EXPECT_FALSE(frm().Text1()->isVisible());
+    EXPECT_EQ(QApplication::focusWidget(), grid());
+    // Space over all: row 4 joins, the edited count of row 2 stays.
+    range(grid(), 1, 4);
+    key(grid(), Qt::Key_Space);
+    EXPECT_EQ(column(grid(), 4),
+              (QStringList{QStringLiteral("2"), QStringLiteral("1"), QStringLiteral("4"),
+                           QStringLiteral("5"), QStringLiteral("0")}));
+    // Delete over 4..3 resets both; the edited price stays.
+    range(grid(), 4, 3);
+    key(grid(), Qt::Key_Delete);
+    EXPECT_EQ(column(grid(), 2), (QStringList{kChosen, kChosen, kNot, kNot, kNot}));
+    EXPECT_EQ(column(grid(), 4),
+              (QStringList{QStringLiteral("2"), QStringLiteral("1"), QStringLiteral("0"),
+                           QStringLiteral("0"), QStringLiteral("0")}));
+    EXPECT_EQ(grid()->TextMatrix(3, 8), QStringLiteral("12.5"));
+
+    // No editor on an unchosen row, on column 3, on the header row.
+    EXPECT_FALSE(editorOpensOn(3, 4));
+    EXPECT_FALSE(editorOpensOn(1, 3));
+    EXPECT_FALSE(editorOpensOn(0, 4));
+    EXPECT_TRUE(editorOpensOn(1, 8));
+
+    // A count emptied, zeroed or a lone point unchooses; a price of zero does not.
+    for (const QString& zero : {QString(), QStringLiteral("0"), QStringLiteral(".")}) {
+        range(grid(), 1, 1);
+        key(grid(), Qt::Key_Space);
+        ASSERT_EQ(grid()->TextMatrix(1, 2), kChosen);
+        edit(1, 4, zero);
+        EXPECT_EQ(grid()->TextMatrix(1, 4), QStringLiteral("0")) << zero.toStdString();
+        EXPECT_EQ(grid()->TextMatrix(1, 2), kNot) << zero.toStdString();
+    }
+    range(grid(), 1, 1);
+    key(grid(), Qt::Key_Space);
+    edit(1, 8, QStringLiteral("0"));
+    EXPECT_EQ(grid()->TextMatrix(1, 8), QStringLiteral("0"));
+    EXPECT_EQ(grid()->TextMatrix(1, 2), kChosen);
+
+    // Nothing chosen, or chosen with nothing counted: 验收 does nothing, says nothing.
+    range(grid(), 1, 5);
+    key(grid(), Qt::Key_Delete);
+    boxes().clear();
+    click(frm(), QStringLiteral("Command1_1"));
+    range(grid(), 5, 5);
+    key(grid(), Qt::Key_Space);
+    ASSERT_EQ(grid()->TextMatrix(5, 2), kChosen);
+    click(frm(), QStringLiteral("Command1_1"));
+    key(grid(), Qt::Key_Delete);
+    EXPECT_TRUE(boxes().calls().empty());
+    EXPECT_FALSE(voucher().isLoaded());
+
+    // 2.5 and 1.5 copies: the cells keep them, each running sum rounds half to even
+    // (2.5 -> 2, then 2 + 1.5 = 3.5 -> 4), the amount is exact.
+    range(grid(), 1, 2);
+    key(grid(), Qt::Key_Space); // row 1 price 0, count 2; row 2 count 3
+    edit(1, 4, QStringLiteral("2.5"));
+    edit(1, 8, QStringLiteral("10"));
+    edit(2, 4, QStringLiteral("1.5"));
+    EXPECT_EQ(grid()->TextMatrix(1, 4), QStringLiteral("2.5"));
+    // The menu's 验收 (entry 7) runs the same as the button.
+    Menu::Picker old = Menu::setPicker(Menu::pickId(7));
+    QString caption, amount, source;
+    QTimer::singleShot(0, [&] {
+        caption = voucher().caption();
+        amount = voucher().Text1(2)->text();
+        source = voucher().Text1(0)->text();
+        voucher().Command1_Click(1);
+    });
+    QTest::mouseClick(grid()->viewport(), Qt::RightButton, {}, QPoint(5, 5));
+    settle();
+    Menu::setPicker(old);
+    EXPECT_EQ(caption, QStringLiteral("采购验收--种类:2;采购册数:5;验收册数:4"));
+    EXPECT_EQ(amount, QStringLiteral("40.75")); // 2.5*10 + 1.5*10.5
+    EXPECT_EQ(source, QStringLiteral("新华书店"));
+    EXPECT_FALSE(voucher().isLoaded());
+    EXPECT_EQ(grid()->TextMatrix(1, 4), QStringLiteral("2.5")); // cancel leaves the grid
+
+    // The fractional count goes into the statement as it stands.
+    accept(QStringLiteral("P-01"), QString(), QStringLiteral("FP9"), QString());
+    EXPECT_TRUE(boxes().calls().empty()) << boxes().last().prompt.toStdString();
+    EXPECT_EQ(row(1, QStringLiteral("yscount||'/'||ysprice||'/'||status")),
+              QStringLiteral("2.5/10.0/1"));
+    EXPECT_EQ(row(2, QStringLiteral("yscount||'/'||ysjine")), QStringLiteral("1.5/40.75"));
+}
+
+TEST_F(Acceptance, TheVoucherChecksWritesAndEmptiesTheGrid) {
+    for (int i = 1; i <= 8; ++i)
+        order(i, QStringLiteral("人民文学出版社"), QStringLiteral("书%1").arg(i), 2,
+              QStringLiteral("15"), QStringLiteral("2004-02-%1").arg(10 + i));
+    openDialog();
+    search(QStringLiteral("人民文学出版社"));
+    QApplication::setActiveWindow(frm().window());
+
+    // The checks in their order, each with the focus on its field; the amount is formatted
+    // on leaving and letters are refused.
+    range(grid(), 1, 1);
+    key(grid(), Qt::Key_Space);
+    QStringList seen;
+    QTimer::singleShot(0, [&] {
+        QApplication::setActiveWindow(voucher().window());
+        settle();
+        EXPECT_EQ(voucher().Text1(2)->text(), QStringLiteral("30.00"));
+        EXPECT_TRUE(voucher().Text1(1)->text().isEmpty());
+        auto tryConfirm = [&](const char* focus) {
+            boxes().clear();
+            click(voucher(), QStringLiteral("Command1_0"));
+            seen << (boxes().calls().empty() ? QString() : boxes().last().prompt);
+            QWidget* f = QApplication::focusWidget();
+            EXPECT_EQ(f ? f->objectName() : QString(), QString::fromLatin1(focus));
+        };
+        typeAndLeave(voucher().Text1(2), QString());
+        tryConfirm("Text1_1");
+        typeAndLeave(voucher().Text1(1), QStringLiteral("  B-07 "));
+        tryConfirm("Text1_2");
+        boxes().clear();
+        typeAndLeave(voucher().Text1(2), QStringLiteral("abc"));
+        seen << boxes().last().prompt;
+        EXPECT_TRUE(voucher().Text1(2)->text().isEmpty());
+        typeAndLeave(voucher().Text1(2), QStringLiteral("12"));
+        EXPECT_EQ(voucher().Text1(2)->text(), QStringLiteral("12.00"));
+        tryConfirm("Text1_3");
+        voucher().Command1_Click(1);
+    });
+    click(frm(), QStringLiteral("Command1_1"));
+    EXPECT_EQ(seen, (QStringList{QStringLiteral("验收'批号'不能为空，取消该操作。"),
+                                 QStringLiteral("验收'金额'不能为空，取消该操作。"),
+                                 QStringLiteral("无效数字格式，取消该操作。"),
+                                 QStringLiteral("验收'发票号'或'收据号'不能为空，取消该操作。")}));
+    EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM cgk WHERE status=1")), QStringLiteral("0"));
+
+    // Invoice only, receipt only, both: each voucher takes the top row (row 1 stands blank
+    // and stops 验收 until the grid is read again); the amount typed over the proposal.
+    struct Case {
+        QString fp, sj, stored;
+    };
+    const Case cases[] = {
+        {QStringLiteral("FP-1"), QString(), QStringLiteral("FP-1/NULL")},
+        {QString(), QStringLiteral("SJ-2"), QStringLiteral("NULL/SJ-2")},
+        {QStringLiteral("FP-3"), QStringLiteral("SJ-3"), QStringLiteral("FP-3/SJ-3")},
+    };
+    for (int i = 0; i < 3; ++i) {
+        if (i > 0) search(QStringLiteral("人民文学出版社"));
+        QApplication::setActiveWindow(frm().window());
+        ASSERT_EQ(grid()->TextMatrix(1, 0), QString::number(i + 1));
+        range(grid(), 1, 1);
+        key(grid(), Qt::Key_Space);
+        accept(QStringLiteral("B-07"), QStringLiteral("99.5"), cases[i].fp, cases[i].sj);
+        EXPECT_EQ(row(i + 1, QStringLiteral("ifnull(fpcode,'NULL')||'/'||ifnull(sjcode,'NULL')")),
+                  cases[i].stored);
+        EXPECT_EQ(row(i + 1, QStringLiteral("ysjine||'/'||batch||'/'||ysname||'/'||status")),
+                  QStringLiteral("99.5/B-07/验收员乙/1"));
+        EXPECT_EQ(row(i + 1, QStringLiteral("ysdate")),
+                  q(QStringLiteral("SELECT date('now','localtime')")));
+        EXPECT_TRUE(grid()->TextMatrix(1, 0).isEmpty());
+        EXPECT_TRUE(grid()->TextMatrix(1, 5).isEmpty());
+        EXPECT_EQ(grid()->Rows(), 2 + 8 - i - 1);
+    }
+    // With row 1 blank, 验收 stops at once, and the blank row opens no editor.
+    range(grid(), 2, 3);
+    key(grid(), Qt::Key_Space);
+    click(frm(), QStringLiteral("Command1_1"));
+    EXPECT_FALSE(voucher().isLoaded());
+    EXPECT_FALSE(editorOpensOn(1, 4));
+
+    // Row 1 and others chosen: row 1 blank on top, the unchosen below it, in order.
+    search(QStringLiteral("人民文学出版社"));
+    QApplication::setActiveWindow(frm().window());
+    range(grid(), 1, 1);
+    key(grid(), Qt::Key_Space);
+    range(grid(), 3, 4);
+    key(grid(), Qt::Key_Space);
+    accept(QStringLiteral("B-08"), QString(), QStringLiteral("F"), QString());
+    EXPECT_EQ(column(grid(), 0),
+              (QStringList{QString(), QStringLiteral("5"), QStringLiteral("8")}));
+    EXPECT_EQ(q(QStringLiteral("SELECT group_concat(cgkid) FROM cgk WHERE batch='B-08'")),
+              QStringLiteral("4,6,7"));
+
+    // All the rest chosen: written, the grid form closes, the dialog comes back.
+    search(QStringLiteral("人民文学出版社"));
+    QApplication::setActiveWindow(frm().window());
+    range(grid(), 1, grid()->Rows() - 1);
+    key(grid(), Qt::Key_Space);
+    accept(QStringLiteral("B-09"), QString(), QString(), QStringLiteral("S"));
+    settle();
+    EXPECT_FALSE(frm().isLoaded());
+    EXPECT_TRUE(dlg().isVisible());
+    EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM cgk WHERE status=0")), QStringLiteral("0"));
+}
+
+TEST_F(Acceptance, AFailureAnywhereInTheVoucherWritesNothing) {
+    for (int i = 1; i <= 5; ++i)
+        order(i, QStringLiteral("新华书店"), QStringLiteral("书%1").arg(i), 3,
+              QStringLiteral("20"));
+    armFault(0);
+    keep();
+    const QString before = dump();
+    // k = 1..5: the k-th update fails; k = 6: a quote in the batch fails the first.
+    for (int k = 1; k <= 6; ++k) {
+        restore();
+        armFault(k <= 5 ? k : 0);
+        boxes().clear();
+        openDialog();
+        search(QStringLiteral("新华书店"));
+        QApplication::setActiveWindow(frm().window());
+        range(grid(), 1, 5);
+        key(grid(), Qt::Key_Space);
+        accept(k <= 5 ? QStringLiteral("B1") : QStringLiteral("B'1"), QString(),
+               QStringLiteral("F"), QString());
+        ASSERT_EQ(boxes().calls().size(), 1u) << k;
+        EXPECT_EQ(boxes().last().prompt, QStringLiteral("采购验收操作失败，取消该操作。"));
+        EXPECT_EQ(boxes().last().flags, 16);
+        EXPECT_EQ(dump(), before) << k;
+        // The rows walked before the failure are gone from the grid, the rest stand.
+        const int walked = k <= 5 ? k - 1 : 0;
+        EXPECT_EQ(grid()->Rows(), 1 + 5 - walked) << k;
+        EXPECT_FALSE(voucher().isLoaded());
+        // They come back with the next search.
+        search(QStringLiteral("新华书店"));
+        EXPECT_EQ(grid()->Rows(), 6) << k;
+        vb::FormRegistry::destroyAll();
+    }
+}
+
+} // namespace
