@@ -55,6 +55,8 @@ void YanShouAddfrm::build(QWidget* w) {
 }
 
 void YanShouAddfrm::Text1_LostFocus(int index) {
+    // The focus leaves the field also when the window goes at unload: nothing to check then.
+    if (!isLoaded()) return;
     QLineEdit* t = Text1(index);
     const QString trimmed = vb::Trim(t->text());
     if (trimmed != t->text()) t->setText(trimmed);

@@ -102,6 +102,7 @@ void YanShouBDD::build(QWidget* w) {
 }
 
 void YanShouBDD::highlightRow() {
+    if (!isLoaded()) return;
     vb::FlexGrid* g = Grid1();
     // Setting Col collapses the range onto the current row; a range being extended with
     // Shift keeps its other end.
@@ -252,6 +253,7 @@ void YanShouBDD::editCellOpen() {
 }
 
 void YanShouBDD::Text1_LostFocus() {
+    if (!isLoaded()) return; // the window is going: no edit to keep
     QLineEdit* t = Text1();
     t->hide();
     const QString plain = YanShoufrm::plainNumber(t->text());

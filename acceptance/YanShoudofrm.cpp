@@ -42,8 +42,8 @@ void YanShoudofrm::build(QWidget* w) {
     text->setGeometry(vb::twips(1800), vb::twips(300), vb::twips(2640), vb::twips(315));
     vb::selectAllOnFocus(text);
     vb::enterAsTab(text);
-    vb::onLostFocus(text, [this] {
-        QLineEdit* t = Text1();
+    vb::onLostFocus(text, [text] {
+        QLineEdit* t = text;
         const QString trimmed = vb::Trim(t->text());
         if (trimmed != t->text()) t->setText(trimmed);
     });

@@ -246,6 +246,7 @@ void YanShoufrm::editCellOpen() {
 }
 
 void YanShoufrm::Text1_LostFocus() {
+    if (!isLoaded()) return; // the window is going: no edit to keep
     QLineEdit* t = Text1();
     t->hide();
     const QString plain = plainNumber(t->text());

@@ -113,6 +113,7 @@ TEST_F(Replenish, ShortTitlesAreOrderedAgainOnceEach) {
     key(grid(), Qt::Key_Delete); // O'Reilly's stays out
 
     // No: nothing happens.
+    boxes().clear();
     save(vb::vbNo);
     ASSERT_EQ(boxes().calls().size(), 1u);
     EXPECT_EQ(boxes().last().prompt, kAsk);
