@@ -5,7 +5,7 @@ ORVANE_PACKAGES=(
   unixodbc unixodbc-dev odbcinst libsqliteodbc libsqlite3-dev sqlite3 tdsodbc
   googletest libgtest-dev libbenchmark-dev
   xvfb xauth libxtst6 fonts-noto-cjk
-  libxlsxwriter-dev poppler-utils ccache
+  libxlsxwriter-dev poppler-utils unzip ccache
 )
 
 ensure_packages() {
