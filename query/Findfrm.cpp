@@ -7,6 +7,7 @@
 #include "platform/events.h"
 #include "platform/maskedbox.h"
 #include "platform/msgbox.h"
+#include "query/tongji.h"
 
 #include <QComboBox>
 #include <QEvent>
@@ -414,5 +415,9 @@ void Findfrm::findData() {
 
 void Findfrm::loadGridData(const QString& iiWhere, const QString& iiOrderby) {
     auto it = generators().find(printType);
-    if (it != generators().end()) it->second(iiWhere, iiOrderby);
+    if (it != generators().end()) {
+        it->second(iiWhere, iiOrderby);
+        return;
+    }
+    tongji::run(printType, iiWhere, iiOrderby);
 }

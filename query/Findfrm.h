@@ -43,10 +43,11 @@ public:
 
     // OK: hands the clauses to the receiver and unloads.
     void findData();
-    // The statistics dispatcher: runs the generator registered for printType.
+    // The statistics dispatcher: runs the generator of printType (tongji.h).
     void loadGridData(const QString& iiWhere, const QString& iiOrderby) override;
 
-    // The statistics generators, by printType; an empty function removes one.
+    // Stand-ins for the statistics generators of tongji.h, by printType (tests); an empty
+    // function removes one, and the printType runs its own generator again.
     using Generator = std::function<void(const QString& iiWhere, const QString& iiOrderby)>;
     static void setGenerator(const QString& printType, Generator g);
     // The name of the form that receives the result for a doType; empty for an unknown one.

@@ -371,7 +371,7 @@ TEST_F(FindForm, StatisticsModesRunTheGeneratorOfPrintType) {
     EXPECT_EQ(fr.printType, QStringLiteral("totalmx")); // kept for the next caller
 
     // Another statistic with no generator does nothing.
-    fr.printType = QStringLiteral("tjine");
+    fr.printType = QStringLiteral("nothing");
     open(QStringLiteral("totaltotal"));
     chooseOrder(QStringLiteral("书名"));
     clickLabel(0);
