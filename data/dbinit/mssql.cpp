@@ -99,8 +99,15 @@ public:
         std::string where;
         auto keyTerm = [&](std::string_view column) {
             for (size_t i = 0; i < names.size(); ++i)
-                if (sameName(names[i], column))
-                    return "[" + std::string(column) + "]=" + literals[i];
+                if (sameName(names[i], column)) {
+                    // Appended piece by piece: GCC 12 sees a false overlap (-Wrestrict) in
+                    // "literal" + std::string chains at -O3.
+                    std::string term = "[";
+                    term += column;
+                    term += "]=";
+                    term += literals[i];
+                    return term;
+                }
             return std::string("1=0");
         };
         const bool counter = sameName(table, "Global") && !values.empty() &&
@@ -157,8 +164,10 @@ public:
 
 private:
     std::string tableName(std::string_view table) const {
-        return dialect_ == Dialect::SqlServer ? "[dbo].[" + std::string(table) + "]"
-                                              : "[" + std::string(table) + "]";
+        std::string name = dialect_ == Dialect::SqlServer ? "[dbo].[" : "[";
+        name += table;
+        name += ']';
+        return name;
     }
 
     std::string literal(const Value& v, const Column* col) const {
