@@ -6,10 +6,12 @@
 #include "platform/gbk.h"
 
 #include <QFile>
+#include <QFileDevice>
 #include <QIODevice>
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <thread>
 #include <vector>
 
@@ -28,6 +30,8 @@ bool onlyLineBreaks(const char* data, qsizetype size) {
     return true;
 }
 
+// Buffers output for the device. A failed write (a full disk, a closed descriptor) is
+// kept: nothing more is written, and the caller asks ok() and says so.
 class Writer {
 public:
     Writer(QIODevice& dev, bool gbkOutput) : m_dev(dev), m_gbk(gbkOutput) {}
@@ -45,14 +49,25 @@ public:
         if (m_buf.size() >= kWriteChunk) flush();
     }
     void flush() {
-        if (!m_buf.isEmpty()) m_dev.write(m_buf);
+        if (!m_buf.isEmpty() && !m_failed && m_dev.write(m_buf) != m_buf.size()) m_failed = true;
         m_buf.resize(0); // keeps its room
     }
+    // Flushes through to the system: a file device keeps a buffer of its own (and the
+    // C library one more), whose failure shows only here.
+    bool sync() {
+        flush();
+        if (auto* file = qobject_cast<QFileDevice*>(&m_dev); file && !m_failed && !file->flush())
+            m_failed = true;
+        return !m_failed;
+    }
+    bool ok() const { return !m_failed; }
+    QString errorString() const { return m_dev.errorString(); }
 
 private:
     QIODevice& m_dev;
     bool m_gbk;
     QByteArray m_buf;
+    bool m_failed = false;
 };
 
 // A layout's text for the output: its CR LF become plain line ends, its last line is ended.
@@ -110,10 +125,13 @@ int workerCount() {
 }
 
 // Reads a device to its end, handing over each record as soon as it is complete.
-bool splitDevice(QIODevice& dev, const RecordSplitter::RecordFn& onRecord) {
+// `stop`, when given, is asked before each chunk: reading goes no further once it says so.
+bool splitDevice(QIODevice& dev, const RecordSplitter::RecordFn& onRecord,
+                 const std::function<bool()>& stop = {}) {
     RecordSplitter splitter(onRecord);
     QByteArray chunk(kReadChunk, Qt::Uninitialized);
     for (;;) {
+        if (stop && stop()) return true;
         const qint64 n = dev.read(chunk.data(), chunk.size());
         if (n < 0) return false;
         if (n == 0) break; // a blocking read gives nothing only at the end
@@ -142,7 +160,8 @@ QString usageText() {
         "  --gbk      以 GBK 编码输出（默认 UTF-8）\n"
         "  -h, --help 显示本说明\n"
         "\n"
-        "退出状态: 0 全部记录已输出；1 有记录无法读出；2 参数错误或文件无法读取。\n");
+        "退出状态: 0 全部记录已输出；1 有记录无法读出；2 参数错误、文件无法读取\n"
+        "或输出无法写出。\n");
 }
 
 std::optional<CliOptions> parseArguments(const QStringList& args, QString* error) {
@@ -271,9 +290,16 @@ int runCardTool(const CliOptions& options, QIODevice& standardInput, QIODevice& 
     Writer e(err, options.gbkOutput);
     int status = 0;
     bool first = true;
+    // Output that cannot be written ends the run: the records after it would be lost too.
+    auto outputLost = [&] {
+        e.write(QStringLiteral("orvane-card: 无法写出结果: %1\n").arg(w.errorString()));
+        e.flush();
+        return 2;
+    };
     const QStringList files =
         options.files.isEmpty() ? QStringList{QStringLiteral("-")} : options.files;
     for (const QString& file : files) {
+        if (!w.ok()) break;
         QFile f(file);
         QIODevice* dev = &standardInput;
         QString name = stdinName();
@@ -323,16 +349,21 @@ int runCardTool(const CliOptions& options, QIODevice& standardInput, QIODevice& 
                 first = false;
                 w.writeBytes(d.out);
             }
+            w.flush();
             e.flush();
             batch.clear();
             batchBytes.resize(0); // keeps its room for the next batch
         };
-        const bool read = splitDevice(*dev, [&](const QByteArray& raw) {
-            ++number;
-            batch.emplace_back(batchBytes.size(), raw.size());
-            batchBytes.append(raw);
-            if (batch.size() == kBatch) flushBatch();
-        });
+        const bool read = splitDevice(
+            *dev,
+            [&](const QByteArray& raw) {
+                if (!w.ok()) return;
+                ++number;
+                batch.emplace_back(batchBytes.size(), raw.size());
+                batchBytes.append(raw);
+                if (batch.size() == kBatch) flushBatch();
+            },
+            [&] { return !w.ok(); });
         if (!batch.empty()) flushBatch();
         if (!read) {
             e.write(
@@ -340,6 +371,7 @@ int runCardTool(const CliOptions& options, QIODevice& standardInput, QIODevice& 
             status = 2;
         }
     }
+    if (!w.sync()) return outputLost();
     return status;
 }
 

@@ -62,7 +62,8 @@ MarcText recordText(const QByteArray& raw);
 // Runs the tool: every record of every input in turn (a file name, or "-" and no name for
 // `standardInput`), its layout to `out`, a form feed line between records, and a line on
 // `err` for each message and each refused record. Returns the exit status: 0 when every
-// record was shown, 1 when a record was refused, 2 when an input could not be read.
+// record was shown, 1 when a record was refused, 2 when an input could not be read or
+// the output could not be written (said on `err`; the run stops there).
 int runCardTool(const CliOptions& options, QIODevice& standardInput, QIODevice& out,
                 QIODevice& err);
 

@@ -100,6 +100,14 @@ void frmMarcKaPian::onLoad() {
     }
 }
 
+// The record and the mode belong to one showing: a caller that shows the viewer again
+// sets them again, and one that forgets gets an empty viewer, not the last record.
+void frmMarcKaPian::onUnload() {
+    MarcShuju.clear();
+    varSelect.clear();
+    cmdTag.clear();
+}
+
 void frmMarcKaPian::cmdclick_Click(int index) {
     cmdTag = ctl<QPushButton>(QStringLiteral("cmdclick"), index)->property("Tag").toString();
     if (cmdTag == QStringLiteral("标准式")) {

@@ -29,7 +29,8 @@ class frmMarcKaPian : public vb::Form {
 public:
     frmMarcKaPian();
 
-    // The whole contract with a caller: set both before the form loads.
+    // The whole contract with a caller: set both before the form loads. Both are
+    // cleared when the form unloads.
     QString MarcShuju;
     QString varSelect;
 
@@ -48,6 +49,7 @@ public:
 protected:
     void build(QWidget* w) override;
     void onLoad() override;
+    void onUnload() override;
 
 private:
     void cmdclick_Click(int index);

@@ -57,7 +57,13 @@ int main(int argc, char** argv) {
         return 2;
     }
     if (options->help) {
-        out.write(card::usageText().toUtf8());
+        const QByteArray text = card::usageText().toUtf8();
+        if (out.write(text) != text.size() || !out.flush()) {
+            err.write(QStringLiteral("orvane-card: 无法写出用法说明: %1\n")
+                          .arg(out.errorString())
+                          .toUtf8());
+            return 2;
+        }
         return 0;
     }
     if (options->view) return view(argc, argv, *options, in, err);

@@ -15,6 +15,8 @@ const QString kTitle = QStringLiteral("操作提示");
 // Width of the text column: the main class names are short, the second-level ones long.
 constexpr int kGrid1TextWidth = 4100;
 constexpr int kGrid2TextWidth = 6800;
+// The runtime's error for a file that exists but cannot be opened.
+constexpr int kPathFileAccess = 75;
 
 QLabel* makeLabel(QWidget* parent, const QString& name, const QString& text, int left, int top,
                   int width, int height) {
@@ -110,8 +112,9 @@ bool fenleihelp::checkRead(classify::ReadStatus status, const QString& path) {
         vb::MsgBox(classify::missingMessage(path), vb::vbInformation, kTitle);
         return false;
     case classify::ReadStatus::Unreadable:
-        vb::MsgBox(classify::unreadableMessage(path), vb::vbInformation, kTitle);
-        return false;
+        // Only a missing file is caught; one that is there but cannot be opened fails
+        // as the open statement does, with the runtime's box.
+        vb::raise(kPathFileAccess, QStringLiteral("路径/文件访问错误"));
     }
     return false;
 }

@@ -33,7 +33,8 @@ private:
     void Grid2_Click();
     // Rows of one section into a grid: the row number hidden in column 0, the line in 1.
     void fillGrid(vb::FlexGrid* g, const QStringList& lines);
-    // The read failed; says why. Returns false when there is nothing to show.
+    // The read failed: says so for a missing file and returns false; a file that cannot
+    // be opened raises the runtime error, which nothing here catches.
     bool checkRead(classify::ReadStatus status, const QString& path);
 
     QString configFile;

@@ -79,10 +79,6 @@ QString missingMessage(const QString& path) {
     return QStringLiteral("配置文件【") + path + QStringLiteral("】丢失。");
 }
 
-QString unreadableMessage(const QString& path) {
-    return QStringLiteral("配置文件【") + path + QStringLiteral("】无法读取。");
-}
-
 bool endsSection(const QString& line) {
     return line.startsWith(QLatin1Char('[')) && line.endsWith(QLatin1Char(']'));
 }

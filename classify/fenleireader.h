@@ -29,9 +29,6 @@ QString configPath(const QString& folder, const QString& fileName);
 
 // "配置文件【path】丢失。"
 QString missingMessage(const QString& path);
-// The file is there but cannot be opened (rights, a lock): said plainly instead of
-// ending the program with a runtime error.
-QString unreadableMessage(const QString& path);
 
 // A line that begins with "[" and ends with "]", taken as read (not trimmed).
 bool endsSection(const QString& line);
@@ -41,6 +38,7 @@ QChar classLetter(const QString& line);
 // or it begins with "[" and the letter. Exact compare, no trimming.
 bool belongsTo(const QString& line, QChar letter);
 
+// Unreadable: the file is there but cannot be opened (rights, a lock).
 enum class ReadStatus { Ok, Missing, Unreadable };
 
 struct SectionRead {

@@ -22,6 +22,7 @@
 namespace {
 
 const QString kTitle = QStringLiteral("操作提示");
+constexpr int kIsbnCol = 4;
 
 void place(QWidget* c, int left, int top, int width, int height) {
     c->setGeometry(vb::twips(left), vb::twips(top), vb::twips(width), vb::twips(height));
@@ -229,6 +230,10 @@ void loadCheckDatafrm::loadData(const QString& where) {
         rs.Open(sql, conn, adodb::adOpenDynamic, adodb::adLockOptimistic, adodb::adCmdText);
         Grid1()->bind(rs, false);
     }
+    // The bound headings are the query's column names. SQL Server names the bare ISBN
+    // column as the statement writes it, SQLite by its declared name "isbn": the heading
+    // is put back so that it reads the same on both.
+    if (Grid1()->Cols() > kIsbnCol) Grid1()->setTextMatrix(0, kIsbnCol, QStringLiteral("ISBN"));
     // From here on errors are ignored.
     vb::FlexGrid* g = Grid1();
     if (g->Rows() == 1) {

@@ -42,6 +42,19 @@ QPushButton* button(QWidget* parent, const QString& name, const QString& caption
     return place(new QPushButton(caption, parent), name, left, top, width, height);
 }
 
+// A read-only QTextEdit still takes an input method's commit string when one is sent
+// to it; this drops them for the two texts only the form writes.
+class NoInputMethod : public QObject {
+public:
+    explicit NoInputMethod(QWidget* w) : QObject(w) { w->installEventFilter(this); }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* e) override {
+        if (e->type() == QEvent::InputMethod) return true;
+        return QObject::eventFilter(watched, e);
+    }
+};
+
 // Mouse events of a label that plays a button: enter/move, press, release, leave.
 class LabelMouse : public QObject {
 public:
@@ -174,6 +187,13 @@ void Findfrm::build(QWidget* w) {
 
     sign->setAcceptRichText(false);
     orderText->setAcceptRichText(false);
+    // Only the form writes these two: read-only also shuts out what never comes as a
+    // key (input-method text, paste from the context menu, a drop). The KeyDown
+    // handlers below still see and swallow every key.
+    sign->setReadOnly(true);
+    orderText->setReadOnly(true);
+    new NoInputMethod(sign);
+    new NoInputMethod(orderText);
     sign->setTabChangesFocus(true);
     orderText->setTabChangesFocus(true);
 

@@ -15,6 +15,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <algorithm>
+
 namespace {
 
 const QString kTitle = QStringLiteral("操作提示");
@@ -119,7 +121,7 @@ void cgGYSdofrm::loadData() {
             // UPDATE); the length limits only what is typed beyond it.
             const QString text = cell(i);
             QLineEdit* t = Text1(i);
-            if (text.size() > t->maxLength()) t->setMaxLength(static_cast<int>(text.size()));
+            t->setMaxLength(std::max(kFields[i].maxLength, static_cast<int>(text.size())));
             t->setText(text);
         });
     vb::resume([&] {
@@ -283,7 +285,12 @@ void cgGYSdofrm::afterSave(int index) {
 }
 
 void cgGYSdofrm::clearForNext() {
-    for (int i = 0; i < 8; ++i) vb::resume([&] { Text1(i)->clear(); });
+    // A new record gets the design limits back, whatever the record before needed.
+    for (int i = 0; i < 8; ++i)
+        vb::resume([&] {
+            Text1(i)->clear();
+            Text1(i)->setMaxLength(kFields[i].maxLength);
+        });
     gysMode = 0;
     oldName.clear();
     checkedName.clear();

@@ -188,6 +188,10 @@ bool createDatabase(const std::string& path, const Options& options, std::string
     const fs::path temp =
         dir / ("." + u8(target.filename()) + "." + std::to_string(rd() % 1000000) + ".tmp");
     const fs::path journal = toPath(u8(temp) + "-journal");
+    auto tempGone = [&options] {
+        if (options.tempFile) options.tempFile(std::string());
+    };
+    if (options.tempFile) options.tempFile(u8(temp));
 
     sqlite3* db = nullptr;
     const int rc =
@@ -197,6 +201,7 @@ bool createDatabase(const std::string& path, const Options& options, std::string
         db = nullptr;
         removeQuietly(journal);
         removeQuietly(temp);
+        tempGone();
     };
     if (rc != SQLITE_OK) {
         std::string msg = db ? sqlite3_errmsg(db) : "out of memory";
@@ -232,6 +237,7 @@ bool createDatabase(const std::string& path, const Options& options, std::string
         return fail("无法创建数据库文件 " + path + ": " + ec.message());
     }
     removeQuietly(journal);
+    tempGone();
     return true;
 }
 

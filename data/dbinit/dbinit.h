@@ -5,7 +5,9 @@
 #include "seed.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <vector>
 
 struct sqlite3;
 
@@ -14,6 +16,9 @@ namespace orvane::dbinit {
 struct Options {
     bool demo = false;              // add the demo data set
     std::int64_t extraHoldings = 0; // further ZSK rows, for load tests
+    // Told the path of the temporary file before it is made, and "" once it is renamed
+    // or removed: a tool that is interrupted removes it.
+    std::function<void(const std::string& path)> tempFile;
 };
 
 // Creates a new SQLite database file at path. Refuses an existing file. The database
@@ -34,5 +39,12 @@ bool addHoldings(sqlite3* db, std::int64_t count, std::string* error);
 // The schema and the seed rows (and the demo rows with demo) as a SQL Server script
 // for an existing database: guarded CREATEs, N'' literals, GO between batches.
 std::string mssqlScript(bool demo);
+
+enum class Dialect { SqlServer, Sqlite };
+// The seed rows (and the demo rows with demo) as one INSERT each that adds the row only
+// when no row with its key is there yet, so that they can go into a database that holds
+// rows of its own, and again into one that has them. Users go only into a LibUse that
+// holds no other users. The Global counter row comes last, past the highest cgkid.
+std::vector<std::string> seedStatements(Dialect dialect, bool demo);
 
 } // namespace orvane::dbinit

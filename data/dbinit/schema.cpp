@@ -335,6 +335,18 @@ std::string mssqlSchema() {
             sql += "\n";
         }
         sql += "GO\n";
+        // A column that was there before has no default of ours: the order insert does
+        // not name status, so the default has to be added to it as well.
+        for (const Column& c : t.columns) {
+            if (!c.defaultZero) continue;
+            const std::string col(c.name);
+            sql += "IF NOT EXISTS (SELECT * FROM sys.default_constraints WHERE parent_object_id "
+                   "= OBJECT_ID(N'dbo." +
+                   name + "') AND parent_column_id = COLUMNPROPERTY(OBJECT_ID(N'dbo." + name +
+                   "'), N'" + col + "', 'ColumnId'))\nALTER TABLE [dbo].[" + name +
+                   "] ADD CONSTRAINT [DF_" + name + "_" + col + "] DEFAULT (0) FOR [" + col +
+                   "]\nGO\n";
+        }
         for (const Index& ix : t.indexes) {
             const std::string ixName(ix.name);
             sql += "IF NOT EXISTS (SELECT * FROM sys.indexes WHERE name = N'" + ixName +

@@ -107,22 +107,50 @@ static void normDateFunc(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
     sqlite3_result_text(ctx, buf, -1, SQLITE_TRANSIENT);
 }
 
-/* varchar(n) only marks the target type for convert(); it returns n. */
-static void varcharFunc(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
-    if (argc > 0)
-        sqlite3_result_int(ctx, sqlite3_value_int(argv[0]));
+/* varchar(n) only marks the target type for convert(); it returns n. A length the
+ * server would refuse is refused here too, rather than cut to 32 bits. The largest
+ * length allowed (8000, 4000 for nvarchar) comes as the function's user data. */
+static int typeLength(sqlite3_context* ctx, sqlite3_value* arg, const char* type, int max,
+                      sqlite3_int64* out) {
+    const sqlite3_int64 n = sqlite3_value_int64(arg);
+    char msg[160];
+    if (n >= 1 && n <= max) {
+        *out = n;
+        return 1;
+    }
+    if (n < 1)
+        snprintf(msg, sizeof msg, "Length or precision specification %lld is invalid.",
+                 (long long)n);
     else
-        sqlite3_result_int(ctx, 30);
+        snprintf(msg, sizeof msg,
+                 "The size (%lld) given to the type '%s' exceeds the maximum allowed for any "
+                 "data type (%d).",
+                 (long long)n, type, max);
+    sqlite3_result_error(ctx, msg, -1);
+    return 0;
+}
+
+static void varcharFunc(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
+    const int max = (int)(sqlite3_int64)(size_t)sqlite3_user_data(ctx);
+    sqlite3_int64 n = 30;
+    if (argc > 0 && !typeLength(ctx, argv[0], max == 4000 ? "nvarchar" : "varchar", max, &n))
+        return;
+    sqlite3_result_int64(ctx, n);
 }
 
 /* convert(varchar(n), x [, style]). Dates by style: 111 yyyy/mm/dd, 102 yyyy.mm.dd,
- * 23 and 120 ISO; a value that is no date is converted to text and cut to n. */
+ * 112 yyyymmdd, 23 yyyy-mm-dd, 108 hh:mm:ss, 120 (and none) yyyy-mm-dd hh:mm:ss; any
+ * other style is an error rather than a wrong text. A value that is no date is
+ * converted to text and cut to n. */
 static void convertFunc(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
-    int width = sqlite3_value_int(argv[0]);
-    int style = argc > 2 ? sqlite3_value_int(argv[2]) : 0;
+    sqlite3_int64 width = 30;
+    sqlite3_int64 style = argc > 2 ? sqlite3_value_int64(argv[2]) : 0;
     const char* s;
     char buf[96];
     vbdate d;
+    if (sqlite3_value_type(argv[0]) != SQLITE_NULL &&
+        !typeLength(ctx, argv[0], "varchar", 8000, &width))
+        return;
     if (sqlite3_value_type(argv[1]) == SQLITE_NULL) {
         sqlite3_result_null(ctx);
         return;
@@ -132,9 +160,11 @@ static void convertFunc(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
         sqlite3_result_null(ctx);
         return;
     }
-    if (width <= 0) width = 30;
     if (parseDate(s, &d)) {
         switch (style) {
+        case 23:
+            snprintf(buf, sizeof buf, "%04d-%02d-%02d", d.y, d.m, d.d);
+            break;
         case 111:
             snprintf(buf, sizeof buf, "%04d/%02d/%02d", d.y, d.m, d.d);
             break;
@@ -147,10 +177,19 @@ static void convertFunc(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
         case 108:
             snprintf(buf, sizeof buf, "%02d:%02d:%02d", d.hh, d.mi, d.ss);
             break;
-        default:
+        case 0:
+        case 20:
+        case 120:
             snprintf(buf, sizeof buf, "%04d-%02d-%02d %02d:%02d:%02d", d.y, d.m, d.d, d.hh, d.mi,
                      d.ss);
             break;
+        default: {
+            char msg[120];
+            snprintf(msg, sizeof msg, "convert: style %lld for a date is not supported.",
+                     (long long)style);
+            sqlite3_result_error(ctx, msg, -1);
+            return;
+        }
         }
         s = buf;
     }
@@ -186,18 +225,28 @@ static void getdateFunc(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
     sqlite3_result_text(ctx, buf, -1, SQLITE_TRANSIENT);
 }
 
-/* left(s, n) by characters. */
+/* left(s, n) by characters. A count below 0 or beyond a 32-bit int is the server's
+ * error, not an empty text. */
 static void leftFunc(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
     const unsigned char* u;
-    int n, chars = 0;
+    sqlite3_int64 n, chars = 0;
     size_t i = 0;
     (void)argc;
     if (sqlite3_value_type(argv[0]) == SQLITE_NULL || sqlite3_value_type(argv[1]) == SQLITE_NULL) {
         sqlite3_result_null(ctx);
         return;
     }
+    n = sqlite3_value_int64(argv[1]);
+    if (n < 0) {
+        sqlite3_result_error(ctx, "Invalid length parameter passed to the left function.", -1);
+        return;
+    }
+    if (n > 2147483647) {
+        sqlite3_result_error(
+            ctx, "Arithmetic overflow error converting expression to data type int.", -1);
+        return;
+    }
     u = sqlite3_value_text(argv[0]);
-    n = sqlite3_value_int(argv[1]);
     if (!u) {
         sqlite3_result_null(ctx);
         return;
@@ -268,20 +317,21 @@ int orvane_compat_register(sqlite3* db) {
     if (rc == SQLITE_OK)
         rc = sqlite3_create_function(db, "vb_normdate", 1, flags, 0, normDateFunc, 0, 0);
     if (rc == SQLITE_OK)
-        rc = sqlite3_create_function(db, "varchar", 1, flags, 0, varcharFunc, 0, 0);
+        rc = sqlite3_create_function(db, "varchar", 1, flags, (void*)(size_t)8000, varcharFunc, 0,
+                                     0);
     if (rc == SQLITE_OK)
-        rc = sqlite3_create_function(db, "varchar", 0, flags, 0, varcharFunc, 0, 0);
+        rc = sqlite3_create_function(db, "varchar", 0, flags, (void*)(size_t)8000, varcharFunc, 0,
+                                     0);
     if (rc == SQLITE_OK)
-        rc = sqlite3_create_function(db, "nvarchar", 1, flags, 0, varcharFunc, 0, 0);
+        rc = sqlite3_create_function(db, "nvarchar", 1, flags, (void*)(size_t)4000, varcharFunc, 0,
+                                     0);
     if (rc == SQLITE_OK)
         rc = sqlite3_create_function(db, "convert", 2, flags, 0, convertFunc, 0, 0);
     if (rc == SQLITE_OK)
         rc = sqlite3_create_function(db, "convert", 3, flags, 0, convertFunc, 0, 0);
     if (rc == SQLITE_OK)
         rc = sqlite3_create_function(db, "getdate", 0, SQLITE_UTF8, 0, getdateFunc, 0, 0);
-    if (rc == SQLITE_OK)
-        rc = sqlite3_create_function(db, "vb_left", 2, flags, 0, leftFunc, 0, 0);
-    if (rc == SQLITE_OK)
-        rc = sqlite3_create_collation(db, "VBTEXT", SQLITE_UTF8, 0, vbtextCompare);
+    if (rc == SQLITE_OK) rc = sqlite3_create_function(db, "vb_left", 2, flags, 0, leftFunc, 0, 0);
+    if (rc == SQLITE_OK) rc = sqlite3_create_collation(db, "VBTEXT", SQLITE_UTF8, 0, vbtextCompare);
     return rc;
 }

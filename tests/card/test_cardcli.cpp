@@ -210,3 +210,55 @@ TEST(CardCli, Executable) {
     EXPECT_EQ(p.exitCode(), 2);
     EXPECT_TRUE(QString::fromUtf8(p.readAllStandardError()).contains(QStringLiteral("用法")));
 }
+
+TEST(CardCli, OutputThatCannotBeWrittenIsSaidAndFails) {
+    const QByteArray input = gbkRecord(workedFields()) + gbkRecord({{"200", "␟a甲书␞"}});
+    {
+        // A device that refuses every write.
+        QString error;
+        const auto options = card::parseArguments({"--fields"}, &error);
+        ASSERT_TRUE(options);
+        QByteArray inBytes = input, outBytes;
+        QBuffer in(&inBytes), out(&outBytes), err;
+        in.open(QIODevice::ReadOnly);
+        out.open(QIODevice::ReadOnly);
+        err.open(QIODevice::WriteOnly);
+        EXPECT_EQ(card::runCardTool(*options, in, out, err), 2);
+        EXPECT_TRUE(
+            QString::fromUtf8(err.data()).startsWith(QStringLiteral("orvane-card: 无法写出结果")))
+            << err.data().toStdString();
+    }
+#ifdef Q_OS_UNIX
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString file = dir.filePath("two.mrc");
+    QFile f(file);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(input);
+    f.close();
+    // A full disk and a closed standard output; the usage text too.
+    struct Case {
+        QString program;
+        QStringList args;
+        QString said;
+    };
+    std::vector<Case> cases{
+        {QStringLiteral(ORVANE_CARD_TOOL), {"--card", file}, QStringLiteral("无法写出结果")},
+        {QStringLiteral(ORVANE_CARD_TOOL), {"--help"}, QStringLiteral("无法写出用法说明")},
+        {QStringLiteral("/bin/sh"),
+         {"-c", "exec \"$0\" \"$@\" >&-", QStringLiteral(ORVANE_CARD_TOOL), "--raw", file},
+         QStringLiteral("无法写出结果")},
+    };
+    for (const Case& c : cases) {
+        QProcess p;
+        if (c.program != QLatin1String("/bin/sh"))
+            p.setStandardOutputFile(QStringLiteral("/dev/full"));
+        p.start(c.program, c.args);
+        ASSERT_TRUE(p.waitForFinished(30000));
+        const QString err = QString::fromUtf8(p.readAllStandardError());
+        EXPECT_EQ(p.exitCode(), 2) << c.args.join(' ').toStdString() << ": " << err.toStdString();
+        EXPECT_TRUE(err.contains(c.said))
+            << c.args.join(' ').toStdString() << ": " << err.toStdString();
+    }
+#endif
+}

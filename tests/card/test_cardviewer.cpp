@@ -93,10 +93,18 @@ TEST(CardViewer, ButtonsInAnyOrderGiveTheSameThreeTexts) {
     EXPECT_TRUE(text1(f)->toPlainText().contains(QStringLiteral("·—第2版,张三修订¶")));
 }
 
-TEST(CardViewer, ReturnUnloads) {
-    auto& f = open(workedRecord(), QString());
+TEST(CardViewer, ReturnUnloadsAndTheRecordEndsWithTheForm) {
+    auto& f = open(workedRecord(), QStringLiteral("标准"));
     press(f, Fanhui);
     EXPECT_FALSE(f.isLoaded());
+    EXPECT_EQ(f.MarcShuju, QString());
+    EXPECT_EQ(f.varSelect, QString());
+    // The close box ends them the same way.
+    open(workedRecord(), QStringLiteral("标准"));
+    f.window()->close(); // the form unloads itself; Qt's close is refused
+    EXPECT_FALSE(f.isLoaded());
+    EXPECT_EQ(f.MarcShuju, QString());
+    EXPECT_EQ(f.varSelect, QString());
     // The fields belong to the caller: it sets them again for the next record.
     f.MarcShuju = record({{"200", "␟a甲书␞"}});
     f.varSelect = QString();

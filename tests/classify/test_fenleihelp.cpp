@@ -8,6 +8,7 @@
 #include "tests/support/testsupport.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -186,6 +187,32 @@ TEST_F(FenleiForm, MissingFileAtLoad) {
         EXPECT_EQ(column(g, 1), QStringList{QString()});
     }
     EXPECT_TRUE(f.isVisible());
+}
+
+// A file that is there but cannot be opened: no read right, or, for root who reads
+// everything, a link to a kernel file that only takes writes. False when neither works.
+bool makeUnreadable(const QString& path) {
+    if (!writeOutline(path, sampleOutline())) return false;
+    QFile::setPermissions(path, QFileDevice::WriteOwner);
+    if (QFile probe(path); !probe.open(QIODevice::ReadOnly)) return true;
+    QFile::remove(path);
+    if (!QFile::link(QStringLiteral("/proc/sys/vm/compact_memory"), path)) return false;
+    QFile probe(path);
+    return QFileInfo(path).isFile() && !probe.open(QIODevice::ReadOnly);
+}
+
+TEST_F(FenleiForm, AFileThatCannotBeOpenedEndsInTheRuntimeBox) {
+    if (!makeUnreadable(path)) GTEST_SKIP() << "no way to make an unreadable file here";
+    // From the frame's menu, through the event loop: no message of the form's own, the
+    // runtime's box, and the end of the program.
+    QObject context;
+    QMetaObject::invokeMethod(
+        &context, [this] { open(); }, Qt::QueuedConnection);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(testsupport::processEnds(), 1);
+    ASSERT_EQ(testsupport::boxes().calls().size(), 1u);
+    EXPECT_EQ(testsupport::boxes().last().prompt,
+              QStringLiteral("实时错误 '75':\r\n\r\n路径/文件访问错误"));
 }
 
 TEST_F(FenleiForm, FileGoneLater) {

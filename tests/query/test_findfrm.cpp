@@ -10,16 +10,21 @@
 #include "query/Findfrm.h"
 #include "tests/support/testsupport.h"
 
+#include <QClipboard>
 #include <QComboBox>
+#include <QDropEvent>
 #include <QInputMethodEvent>
 #include <QLabel>
 #include <QListWidget>
+#include <QMenu>
+#include <QMimeData>
 #include <QPushButton>
 #include <QTest>
 #include <QTextEdit>
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <ostream>
 
 // Readable texts in the failure messages.
@@ -268,7 +273,7 @@ TEST_F(FindForm, OrderLabelsRefuseAFieldTwiceAndAskForOne) {
     EXPECT_EQ(f().q.orderSql, QStringLiteral("bookname Asc,yddate Desc"));
 }
 
-TEST_F(FindForm, TheReadableTextsRefuseEveryKeyTheArrowsToo) {
+TEST_F(FindForm, TheReadableTextsRefuseEveryInputTheArrowsToo) {
     open(QStringLiteral("caigou"));
     chooseOrder(QStringLiteral("书名"));
     clickLabel(0);
@@ -284,6 +289,30 @@ TEST_F(FindForm, TheReadableTextsRefuseEveryKeyTheArrowsToo) {
             QTest::keyClick(t, k);
         EXPECT_EQ(t->toPlainText(), before);
         EXPECT_EQ(t->textCursor().position(), 2);
+
+        // Nor what comes without a key: the input method, the context menu, a drop.
+        QInputMethodEvent commit;
+        commit.setCommitString(QStringLiteral("乙"));
+        QApplication::sendEvent(t, &commit);
+        EXPECT_EQ(t->toPlainText(), before);
+
+        QApplication::clipboard()->setText(QStringLiteral("丙"));
+        std::unique_ptr<QMenu> menu(t->createStandardContextMenu());
+        for (QAction* a : menu->actions())
+            if (a->isEnabled() && a->objectName() != QLatin1String("select-all") &&
+                a->objectName() != QLatin1String("edit-copy"))
+                a->trigger();
+        EXPECT_EQ(t->toPlainText(), before);
+
+        QMimeData dragged;
+        dragged.setText(QStringLiteral("丁"));
+        const QPoint at = t->viewport()->rect().center();
+        QDragEnterEvent enter(at, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(t->viewport(), &enter);
+        QDropEvent drop(at, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(t->viewport(), &drop);
+        EXPECT_FALSE(drop.isAccepted());
+        EXPECT_EQ(t->toPlainText(), before);
     }
 }
 

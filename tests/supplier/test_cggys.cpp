@@ -343,6 +343,35 @@ TEST_F(Suppliers, ANameLongerThanTheFieldIsChangedUnderItsWholeName) {
     EXPECT_EQ(sql(QStringLiteral("SELECT pubplace FROM cggys")), QStringLiteral("天津"));
 }
 
+TEST_F(Suppliers, AfterALongNameTheNextNewRecordHasTheDesignLimitsAgain) {
+    db(false);
+    emptySuppliers();
+    const QString longName =
+        QStringLiteral("北京市海淀区中关村大街某某科技图书音像制品发行有限责任公司总部");
+    const QString longAddress =
+        QStringLiteral("北京市海淀区中关村南大街二十七号某某科技大厦东座十九层一九零八室");
+    ASSERT_GT(longAddress.size(), 30);
+    testsupport::execSqlite(dbPath(),
+                            QStringLiteral("INSERT INTO cggys (publisher,pubplace,address,"
+                                           "pubclass) VALUES ('%1','北京','%2','销售商')")
+                                .arg(longName, longAddress));
+    openManager();
+    click(m(), QStringLiteral("Command1_2"));
+    activateEdit();
+    EXPECT_EQ(d().Text1(0)->text(), longName);
+    EXPECT_EQ(d().Text1(2)->text(), longAddress);
+    type(1, QStringLiteral("天津"));
+    click(d(), QStringLiteral("Command1_0"));
+    ASSERT_EQ(d().gysMode, 0);
+    const QString typed =
+        QStringLiteral("ABCDEFGHIJ新华书店第一门市部读者服务中心图书发行部零售科");
+    ASSERT_GT(typed.size(), 30);
+    type(0, typed);
+    type(2, typed);
+    EXPECT_EQ(d().Text1(0)->text(), typed.left(30));
+    EXPECT_EQ(d().Text1(2)->text(), typed.left(30));
+}
+
 TEST_F(Suppliers, ChangeSaveAndAddTurnsTheFormIntoAnEmptyAddForm) {
     db(true);
     openManager();
