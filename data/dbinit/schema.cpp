@@ -47,6 +47,11 @@ constexpr std::array cgkIndexes{
     Index{"ix_cgk_bookfrom", "bookfrom"},
     Index{"ix_cgk_isbn", "isbn"},
     Index{"ix_cgk_batch", "batch"},
+    // the grouping columns of the amount statistics, each group looked up on its own
+    Index{"ix_cgk_zdcode", "zdcode"},
+    Index{"ix_cgk_lagclass", "lagclass"},
+    Index{"ix_cgk_cgff", "cgff"},
+    Index{"ix_cgk_classcode", "classcode"},
 };
 
 constexpr std::array cgkStatusColumns{
@@ -144,6 +149,7 @@ constexpr std::array printTotalJEColumns{
     Column{"ydjine", K::Money},   Column{"ystype", K::Int}, Column{"yscount", K::Int},
     Column{"ysjine", K::Money},
 };
+constexpr std::array printTotalJEIndexes{Index{"ix_printtotalje_name", "name"}};
 constexpr std::array printYStotalColumns{
     Column{"batch", K::Text, 100}, Column{"bookfrom", K::Text, 60}, Column{"typecount", K::Int},
     Column{"counts", K::Int},      Column{"jine", K::Money},
@@ -172,7 +178,7 @@ const std::array allTables{
     Table{"printCG", printCGColumns, none},
     Table{"printMX", printMXColumns, none},
     Table{"printLeiBie", printLeiBieColumns, none},
-    Table{"printTotalJE", printTotalJEColumns, none},
+    Table{"printTotalJE", printTotalJEColumns, printTotalJEIndexes},
     Table{"printYStotal", printYStotalColumns, none},
     Table{"printYSmx", printYSmxColumns, none},
 };
