@@ -3,6 +3,7 @@
 #include "platform/errors.h"
 #include "purchase/CaiGoufrm.h"
 #include "purchase/loadCheckDatafrm.h"
+#include "supplier/cgGYSdofrm.h"
 #include "supplier/gysListfrm.h"
 #include "tests/purchase/purchasetest.h"
 #include "tests/shell/modalscript.h"
@@ -148,23 +149,16 @@ TEST_F(CaiGouForm, RulesRunOnLeavingAndTheirRewritesCountAsChanges) {
     EXPECT_TRUE(f().fieldChanged(5));
 }
 
-TEST_F(CaiGouForm, UnknownSourceYesSaysTheSupplierFormIsMissingOrCallsIt) {
+TEST_F(CaiGouForm, UnknownSourceYesOpensTheSupplierFormWithTheName) {
     open();
     f().addType = caigou::addAdding;
     boxes().answer(vb::vbYes);
     type(0, QStringLiteral("无名书店"));
-    ASSERT_EQ(boxes().calls().size(), 2u);
-    EXPECT_EQ(boxes().calls()[1].flags, 64);
-    EXPECT_EQ(f().Text1(0)->text(), QStringLiteral("无名书店"));
-
-    QString handed;
-    CaiGoufrm::setSourceAddHandler([&](const QString& s) { handed = s; });
-    boxes().clear();
-    boxes().answer(vb::vbYes);
-    type(0, QStringLiteral("另一书店"));
-    CaiGoufrm::setSourceAddHandler(nullptr);
-    EXPECT_EQ(handed, QStringLiteral("另一书店"));
-    EXPECT_EQ(boxes().calls().size(), 1u);
+    ASSERT_EQ(boxes().calls().size(), 1u);
+    auto& add = vb::form<cgGYSdofrm>();
+    ASSERT_TRUE(add.isVisible());
+    EXPECT_EQ(add.gysMode, 2);
+    EXPECT_EQ(add.Text1(0)->text(), QStringLiteral("无名书店"));
 }
 
 TEST_F(CaiGouForm, NavigationAsksAndAFailedSaveHoldsTheNextArrowToo) {
