@@ -302,7 +302,7 @@ bool fetchBound(SQLHSTMT st, std::vector<Column>& cols, std::vector<std::vector<
                                        : (fixedWidth(c.ctype) ? static_cast<size_t>(c.width)
                                                               : static_cast<size_t>(ind));
                 if (c.hasLast && ind == c.lastInd && len == c.lastRaw.size() &&
-                    std::memcmp(p, c.lastRaw.data(), len) == 0) {
+                    (len == 0 || std::memcmp(p, c.lastRaw.data(), len) == 0)) {
                     out[i] = c.last;
                     continue;
                 }

@@ -277,10 +277,12 @@ void Form::placeInFrame(QMdiArea* area, QSize size, QPoint at) {
     sub->resize(whole);
     // The whole form in sight: a frame too small for it grows, as far as the screen lets it.
     QWidget* top = area->window();
-    const QSize view = area->viewport()->size();
-    const QSize lack(std::max(0, whole.width() - view.width()),
-                     std::max(0, whole.height() - view.height()));
-    if (lack.width() > 0 || lack.height() > 0) {
+    // The area's own frame and scroll bars may take back a pixel or two: try again.
+    for (int tries = 0; tries < 3; ++tries) {
+        const QSize view = area->viewport()->size();
+        const QSize lack(std::max(0, whole.width() - view.width()),
+                         std::max(0, whole.height() - view.height()));
+        if (lack.width() <= 0 && lack.height() <= 0) break;
         if (!(top->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen))) {
             QScreen* screen = top->screen() ? top->screen() : QGuiApplication::primaryScreen();
             const QSize room =

@@ -1,15 +1,13 @@
 // orvane-xkeys: types into the X display as a keyboard would (the XTest extension,
 // loaded at run time so the program needs no X headers).
 //   orvane-xkeys ARG...   each ARG is text typed as it stands, or a key name in braces:
-//                         {Tab} {Return} {BackSpace} {Escape} ...; {sleep:MS} waits;
-//                         {Control_L+g} holds the keys before the last one.
+//                         {Tab} {Return} {BackSpace} {Escape} ...; {sleep:MS} waits.
 // The pointer goes to the middle of the screen first, where the program's window is.
 #include <QCoreApplication>
 #include <QLibrary>
 #include <QThread>
 
 #include <cstdio>
-#include <vector>
 
 namespace {
 using Display = void;
@@ -55,20 +53,14 @@ int main(int argc, char** argv) {
     const int s = defScreen(d);
     motion(d, s, width(d, s) / 2, height(d, s) / 2, 0);
     flush(d);
-    // "Control_L+g", "Alt_L+s": the keys before the last one are held down around it.
-    auto press = [&](const QByteArray& combo) {
-        const QList<QByteArray> names = combo.size() > 1 ? combo.split('+') : QList{combo};
-        std::vector<unsigned char> codes;
-        for (const QByteArray& name : names) {
-            const unsigned char code = keycode(d, keysym(name.constData()));
-            if (!code) {
-                std::fprintf(stderr, "orvane-xkeys: no key for %s\n", name.constData());
-                return false;
-            }
-            codes.push_back(code);
+    auto press = [&](const QByteArray& name) {
+        const unsigned char code = keycode(d, keysym(name.constData()));
+        if (!code) {
+            std::fprintf(stderr, "orvane-xkeys: no key for %s\n", name.constData());
+            return false;
         }
-        for (unsigned char code : codes) key(d, code, 1, 0);
-        for (auto it = codes.rbegin(); it != codes.rend(); ++it) key(d, *it, 0, 0);
+        key(d, code, 1, 0);
+        key(d, code, 0, 0);
         flush(d);
         QThread::msleep(40);
         return true;

@@ -29,7 +29,7 @@ printf '[OrvaneCGTest]\nDriver=SQLite3\nDatabase=%s\nLoadExt=%s\n' \
 # A stored profile is never overwritten.
 [ "$("$bin/orvane-setting" set-if-missing 'PROVIDER=MSDASQL;DSN=Other;')" = kept ]
 
-rm -f "$out/login.png" "$out/frame.png" "$out/entry.png"
+rm -f "$out/login.png" "$out/frame.png"
 xvfb-run -a -s "-screen 0 1024x768x24" "$here/client_xvfb_session.sh" "$bin" "$out"
 
 size() { "$bin/orvane-xshot" --size "$1"; }
@@ -40,4 +40,4 @@ echo "login window ${login}, frame ${frame}"
 # brings it up.
 [ "${frame%x*}" -ge 760 ] || { echo "no frame after the login"; exit 1; }
 [ "${login%x*}" -lt 600 ] || { echo "the first window is not the login"; exit 1; }
-echo "pictures: $out/login.png $out/frame.png $out/entry.png"
+echo "pictures: $out/login.png $out/frame.png"

@@ -2,6 +2,7 @@
 // whose Alt letters win, what an access key does to the field being left, Enter on a
 // button, and what each routed command opens.
 #include "platform/errors.h"
+#include "platform/flexgrid.h"
 #include "purchase/CaiGoufrm.h"
 #include "purchase/loadCheckDatafrm.h"
 #include "query/Findfrm.h"
@@ -17,8 +18,11 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QRadioButton>
+#include <QScreen>
 #include <QTimer>
 
+#include <algorithm>
 #include <functional>
 
 using testsupport::boxes;
@@ -60,10 +64,19 @@ protected:
         QTest::keyClick(at ? at : frame().window(), k, m);
         settle();
     }
-    // Runs `inside` while a modal form is up (it must close it), then the action that opens it.
+    // Runs the action that opens a modal form, and `inside` (which must close it) as soon as
+    // that form is up.
     static void whileModal(std::function<void()> inside, const std::function<void()>& open) {
-        QTimer::singleShot(0, std::move(inside));
+        auto* poll = new QTimer;
+        QObject::connect(poll, &QTimer::timeout, [poll, inside = std::move(inside)] {
+            if (!QApplication::activeModalWidget()) return;
+            poll->stop();
+            poll->deleteLater();
+            inside();
+        });
+        poll->start(10);
         open();
+        settle();
     }
 };
 
@@ -75,9 +88,12 @@ TEST_F(FrameTest, EntryFormOpensAtItsDesignSizeWhollyVisible) {
     // Laid out at 12000 x 5700 twips.
     EXPECT_GE(entry().window()->width(), 800);
     EXPECT_GE(entry().window()->height(), 380);
-    EXPECT_TRUE(mdi()->viewport()->rect().contains(sub->geometry()))
-        << "sub-window " << sub->geometry().width() << "x" << sub->geometry().height() << " in "
-        << mdi()->viewport()->width() << "x" << mdi()->viewport()->height();
+    // Its top left corner in sight; the frame grows to hold it, as far as the screen goes.
+    EXPECT_EQ(sub->pos(), QPoint(0, 0));
+    const QSize room = frame().window()->screen()->availableGeometry().size();
+    const QSize view = mdi()->viewport()->size();
+    EXPECT_GE(view.width(), std::min(sub->width(), room.width() - 40));
+    EXPECT_GE(view.height(), std::min(sub->height(), room.height() - 220));
     for (int i = 0; i <= 17; ++i) {
         QLineEdit* t = entry().Text1(i);
         EXPECT_TRUE(t->isVisible()) << i;
@@ -94,7 +110,8 @@ TEST_F(FrameTest, TheEntryFormsAltKeysWinOverTheMenuLetters) {
     key(Qt::Key_N);
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
     EXPECT_EQ(bar->activeAction(), nullptr);
-    EXPECT_EQ(entry().cgkIDs(), q(QStringLiteral("select min(cgkid) from cgk")).toInt());
+    EXPECT_GT(entry().cgkIDs(), 0);
+    EXPECT_EQ(entry().caption(), QStringLiteral("采购定单-%1").arg(entry().cgkIDs()));
     // D: 查找, the query builder for orders, not 系统管理.
     bool found = false;
     whileModal(
