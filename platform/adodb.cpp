@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstring>
 #include <mutex>
+#include <unordered_map>
 
 static_assert(sizeof(SQLWCHAR) == sizeof(char16_t), "ODBC wide characters are UTF-16 here");
 
@@ -91,7 +92,28 @@ struct Column {
     std::vector<char> data;
     std::vector<SQLLEN> ind;
     SQLLEN width = 0; // bytes per row
+    // the value of the row before, with the bytes it came from
+    bool hasLast = false;
+    SQLLEN lastInd = 0;
+    std::vector<char> lastRaw;
+    QVariant last;
 };
+
+// A date and time of the local zone. Building one asks the C library for the zone's
+// offset, and without TZ in the environment glibc reads the zone file again for each call:
+// each distinct value is built once per thread and shared after that.
+QDateTime localDateTime(int y, int mo, int d, int h, int mi, int s, int ms) {
+    thread_local std::unordered_map<qint64, QDateTime> seen;
+    const qint64 key =
+        ((((((static_cast<qint64>(y) * 13 + mo) * 32 + d) * 24 + h) * 60 + mi) * 60 + s) * 1000) +
+        ms;
+    auto it = seen.find(key);
+    if (it != seen.end()) return it->second;
+    if (seen.size() > 100000) seen.clear();
+    QDateTime v(QDate(y, mo, d), QTime(h, mi, s, ms));
+    seen.emplace(key, v);
+    return v;
+}
 
 CType ctypeOf(SQLSMALLINT t) {
     switch (t) {
@@ -166,14 +188,13 @@ QVariant toVariant(const Column& c, const char* p, SQLLEN ind) {
     case CType::Timestamp: {
         SQL_TIMESTAMP_STRUCT t;
         std::memcpy(&t, p, sizeof t);
-        return QVariant(
-            QDateTime(QDate(t.year, t.month, t.day),
-                      QTime(t.hour, t.minute, t.second, static_cast<int>(t.fraction / 1000000))));
+        return QVariant(localDateTime(t.year, t.month, t.day, t.hour, t.minute, t.second,
+                                      static_cast<int>(t.fraction / 1000000)));
     }
     case CType::Date: {
         SQL_DATE_STRUCT t;
         std::memcpy(&t, p, sizeof t);
-        return QVariant(QDateTime(QDate(t.year, t.month, t.day), QTime(0, 0)));
+        return QVariant(localDateTime(t.year, t.month, t.day, 0, 0, 0, 0));
     }
     case CType::Time: {
         SQL_TIME_STRUCT t;
@@ -269,12 +290,28 @@ bool fetchBound(SQLHSTMT st, std::vector<Column>& cols, std::vector<std::vector<
         for (SQLULEN row = 0; row < fetched; ++row) {
             std::vector<QVariant> out(cols.size());
             for (size_t i = 0; i < cols.size(); ++i) {
-                const Column& c = cols[i];
+                Column& c = cols[i];
                 const SQLLEN ind = c.ind[row];
                 if ((c.ctype == CType::Text || c.ctype == CType::Binary) &&
                     (ind == SQL_NO_TOTAL || ind >= c.width - (c.ctype == CType::Text ? 1 : 0)))
                     return false; // cut short
-                out[i] = toVariant(c, c.data.data() + static_cast<size_t>(c.width) * row, ind);
+                const char* p = c.data.data() + static_cast<size_t>(c.width) * row;
+                // A column often repeats the value of the row before (a publisher, a date):
+                // share that value instead of building it again.
+                const size_t len = ind == SQL_NULL_DATA
+                                       ? 0
+                                       : (fixedWidth(c.ctype) ? static_cast<size_t>(c.width)
+                                                              : static_cast<size_t>(ind));
+                if (c.hasLast && ind == c.lastInd && len == c.lastRaw.size() &&
+                    (len == 0 || std::memcmp(p, c.lastRaw.data(), len) == 0)) {
+                    out[i] = c.last;
+                    continue;
+                }
+                out[i] = toVariant(c, p, ind);
+                c.last = out[i];
+                c.lastInd = ind;
+                c.lastRaw.assign(p, p + len);
+                c.hasLast = true;
             }
             rows.push_back(std::move(out));
         }

@@ -590,7 +590,9 @@ void FlexGrid::keyPressEvent(QKeyEvent* e) {
 void FlexGrid::mousePressEvent(QMouseEvent* e) {
     const QPoint p = e->position().toPoint();
     const QModelIndex i = indexAt(p);
-    if (i.isValid()) {
+    // Only the left button moves the current cell: the right one opens the popup over the
+    // row that was current.
+    if (i.isValid() && e->button() == Qt::LeftButton) {
         const int r = i.row() + m_model->off();
         const int c = i.column();
         if (r >= FixedRows() && c >= FixedCols())

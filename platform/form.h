@@ -95,6 +95,7 @@ public:
 
     // KeyPreview: the form's keyPreview handlers see keys before the control does.
     void setKeyPreview(bool on);
+    bool keyPreview() const { return m_keyPreview; }
 
     // The MDI area modeless forms go into (set by the main frame).
     static void setMdiArea(QMdiArea* area);
@@ -121,6 +122,7 @@ protected:
 private:
     [[noreturn]] void missingControl(const QString& name) const;
     QWidget* frameWidget() const; // the sub-window when in the MDI area, else the window
+    void placeInFrame(QMdiArea* area, QSize size, QPoint at);
     void endModal();
 
     QString m_name;

@@ -7,6 +7,8 @@
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 #include "purchase/loadCheckDatafrm.h"
+#include "query/Findfrm.h"
+#include "supplier/cgGYSdofrm.h"
 #include "supplier/gysListfrm.h"
 
 #include <QCheckBox>
@@ -21,16 +23,8 @@ namespace {
 
 const QString kTitle = QStringLiteral("操作提示");
 
-std::function<void()>& findHandler() {
-    static std::function<void()> h;
-    return h;
-}
 std::function<void(const QString&, const QString&)>& browseHandler() {
     static std::function<void(const QString&, const QString&)> h;
-    return h;
-}
-std::function<void(const QString&)>& sourceAddHandler() {
-    static std::function<void(const QString&)> h;
     return h;
 }
 
@@ -61,14 +55,8 @@ void place(QWidget* c, int left, int top, int width, int height) {
 CaiGoufrm::CaiGoufrm() : Form(QStringLiteral("CaiGoufrm")) {}
 CaiGoufrm::~CaiGoufrm() = default;
 
-void CaiGoufrm::setFindHandler(std::function<void()> handler) {
-    findHandler() = std::move(handler);
-}
 void CaiGoufrm::setBrowseHandler(std::function<void(const QString&, const QString&)> handler) {
     browseHandler() = std::move(handler);
-}
-void CaiGoufrm::setSourceAddHandler(std::function<void(const QString&)> handler) {
-    sourceAddHandler() = std::move(handler);
 }
 
 void CaiGoufrm::build(QWidget* w) {
@@ -221,15 +209,13 @@ void CaiGoufrm::Text1_LostFocus(int index) {
     setRecord(rec);
     if (r.addSource) {
         const QString source = rec[0];
-        vb::resume([&] {
-            if (sourceAddHandler())
-                sourceAddHandler()(source);
-            else
-                vb::MsgBox(QStringLiteral("采购来源管理尚未安装，不能在此添加采购来源。") +
-                               QStringLiteral("\r\n") +
-                               QStringLiteral("该来源仍可照常保存在采购订单中。"),
-                           vb::vbInformation, kTitle);
-        });
+        // The supplier form in its mode for this form, with the name proposed; each step
+        // goes on past an error.
+        auto& add = vb::form<cgGYSdofrm>();
+        vb::resume([&] { add.Unload(); });
+        vb::resume([&] { add.gysMode = 2; });
+        vb::resume([&] { add.Text1(0)->setText(source); });
+        vb::resume([&] { add.Show(0); });
     }
     if (r.focus >= 0) {
         // After the focus has settled on the field the user moved to.
@@ -394,13 +380,12 @@ void CaiGoufrm::Command2_Click(int index) {
             updateCaiGou();
         Command2(2)->setEnabled(false);
         break;
-    case 3:
-        if (findHandler())
-            findHandler()();
-        else
-            vb::MsgBox(QStringLiteral("查询窗体尚未安装，暂不能查找采购订单。"), vb::vbInformation,
-                       kTitle);
+    case 3: {
+        auto& find = vb::form<Findfrm>();
+        find.doType = QStringLiteral("caigou");
+        find.Show(1);
         break;
+    }
     case 4:
         if (browseHandler())
             browseHandler()(m_lastCond, m_lastOrder);

@@ -53,16 +53,9 @@ public:
     void Command2_Click(int index);
     void cList_Click(int index);
 
-    // Forms of other folders that this one opens. Each folder installs its own; until
-    // then the command says that its form is not there.
-    // 查找: the query builder with the target "caigou", modal.
-    static void setFindHandler(std::function<void()> handler);
     // 浏览: the purchase browser with the last query's condition and order.
     static void
     setBrowseHandler(std::function<void(const QString& cond, const QString& order)> handler);
-    // A source that is not a supplier yet, after the user said Yes: the supplier form in
-    // its "add for the purchase form" mode, with the name filled.
-    static void setSourceAddHandler(std::function<void(const QString& source)> handler);
 
 protected:
     void build(QWidget* w) override;

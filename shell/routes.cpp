@@ -1,12 +1,11 @@
-// The frame's routing table: one line per command whose form lives in a feature folder.
-// A folder that brings such a form adds its library target to ORVANE_SHELL_FORM_TARGETS
-// in shell/CMakeLists.txt (which defines ORVANE_HAVE_<TARGET>) and its line here. Until
-// then the command stays on the menu and the toolbar, disabled.
+// The frame's routing table: how each command of the menu and the toolbar opens its form.
+// Mainfrm enables a command when it has a line here; the frame's own commands (口令修改,
+// 关于系统, 区域设置, 打印机, 退出系统) are kept in Mainfrm itself.
 //
-// How each command opens its form:
-//   采购订单              unload CaiGoufrm (errors resumed), show it modeless, bring it forward
-//   采购查询, 查询浏览,    bring up CaiGoufindfrm, YanShouBrowerfrm, cgGYSfrm modeless
-//   采购来源定义
+//   采购订单              unload CaiGoufrm, show it modeless, bring it forward; each step
+//                         goes on past an error
+//   采购查询, 查询浏览,    bring up CaiGoufindfrm, YanShouBrowerfrm, cgGYSfrm, fenleihelp
+//   采购来源定义, 中图法简表 modeless
 //   补定单, 验收, 采购来源, show YanShouBDDfrm, YanShoudofrm, CaiGouprintfrm,
 //   预定日期, 采购金额统计  CaiGoufindDatefrm, totalPrintfrm modeless, brought forward
 //   采购分类统计, 采购明细统计, 其他条件
@@ -14,62 +13,55 @@
 //                         "print"; then Findfrm modal
 #include "shell/routes.h"
 
-#include "shell/Mainfrm.h"
-
-#ifdef ORVANE_HAVE_FENLEIHELP
 #include "classify/fenleihelp.h"
-#endif
-#ifdef ORVANE_HAVE_ORVANE_PURCHASE
 #include "platform/errors.h"
 #include "purchase/CaiGoufrm.h"
-#endif
-#ifdef ORVANE_HAVE_ORVANE_SUPPLIER
-#include "platform/errors.h"
 #include "query/Findfrm.h"
-#include "supplier/cgGYSdofrm.h"
+#include "shell/Mainfrm.h"
 #include "supplier/cgGYSfrm.h"
 
-#include <QLineEdit>
-#endif
+namespace {
+
+// Brings up a form that may stand open already: it comes to the front as it is.
+template <class F> void bringUp() {
+    auto& f = vb::form<F>();
+    f.Hide();
+    f.Show(0);
+}
+
+// The query builder opened for printing or statistics.
+void findFor(const QString& mode) {
+    auto& f = vb::form<Findfrm>();
+    f.printType = mode;
+    f.doType = mode;
+    f.Show(1);
+}
+
+} // namespace
 
 void registerRoutes() {
-#ifdef ORVANE_HAVE_FENLEIHELP
-    Mainfrm::setCommandHandler(Mainfrm::cmd中图法简表, [] {
-        auto& f = vb::form<fenleihelp>();
-        f.Hide();
-        f.Show(0);
+    using M = Mainfrm;
+    // A fresh start: an open entry form goes without a question. A failure on the way
+    // (a database that will not open in its Load) leaves the rest of the steps to run.
+    M::setCommandHandler(M::cmd采购订单, [] {
+        vb::resume([] { vb::form<CaiGoufrm>().Unload(); });
+        vb::resume([] { vb::form<CaiGoufrm>().Show(0); });
+        vb::resume([] {
+            auto& f = vb::form<CaiGoufrm>();
+            if (f.isLoaded() && f.isVisible()) f.window()->raise();
+        });
     });
-#endif
-#ifdef ORVANE_HAVE_ORVANE_PURCHASE
-    // A fresh start: an open entry form goes without a question.
-    Mainfrm::setCommandHandler(Mainfrm::cmd采购订单, [] {
-        auto& f = vb::form<CaiGoufrm>();
-        vb::resume([&] { f.Unload(); });
-        f.Show(0);
-    });
-#endif
-#ifdef ORVANE_HAVE_ORVANE_SUPPLIER
-    Mainfrm::setCommandHandler(Mainfrm::cmd采购来源定义, [] {
-        auto& f = vb::form<cgGYSfrm>();
-        f.Hide();
-        f.Show(0);
-    });
-#endif
-#if defined(ORVANE_HAVE_ORVANE_PURCHASE) && defined(ORVANE_HAVE_ORVANE_SUPPLIER)
-    // The entry form's 查找 asks the query builder for its orders.
-    CaiGoufrm::setFindHandler([] {
-        auto& f = vb::form<Findfrm>();
-        f.doType = QStringLiteral("caigou");
-        f.Show(1);
-    });
-    // A source the user wants added: the supplier form in its mode for the entry form,
-    // with the name proposed; each step goes on past an error.
-    CaiGoufrm::setSourceAddHandler([](const QString& source) {
-        auto& f = vb::form<cgGYSdofrm>();
-        vb::resume([&] { f.Unload(); });
-        vb::resume([&] { f.gysMode = 2; });
-        vb::resume([&] { f.Text1(0)->setText(source); });
-        vb::resume([&] { f.Show(0); });
-    });
-#endif
+    M::setCommandHandler(M::cmd中图法简表, [] { bringUp<fenleihelp>(); });
+    M::setCommandHandler(M::cmd采购来源定义, [] { bringUp<cgGYSfrm>(); });
+    M::setCommandHandler(M::cmd其他条件, [] { findFor(QStringLiteral("print")); });
+    M::setCommandHandler(M::cmd采购分类统计, [] { findFor(QStringLiteral("totaltotal")); });
+    M::setCommandHandler(M::cmd采购明细统计, [] { findFor(QStringLiteral("totalmx")); });
+    // Forms still being built; each gets its line here and the command comes alive:
+    //   M::cmd采购查询      bringUp<CaiGoufindfrm>()
+    //   M::cmd采购来源      vb::form<CaiGouprintfrm>().Show(0)
+    //   M::cmd预定日期      vb::form<CaiGoufindDatefrm>().Show(0)
+    //   M::cmd验收          vb::form<YanShoudofrm>().Show(0)
+    //   M::cmd查询浏览      bringUp<YanShouBrowerfrm>()
+    //   M::cmd补定单        vb::form<YanShouBDDfrm>().Show(0)
+    //   M::cmd采购金额统计  vb::form<totalPrintfrm>().Show(0)
 }

@@ -2,6 +2,7 @@
 // our compat extension, on a fresh SQLite file per test.
 #include "platform/adodb.h"
 #include "platform/errors.h"
+#include "platform/transaction.h"
 #include "tests/support/testsupport.h"
 
 #include <QDate>
@@ -380,3 +381,42 @@ TEST_F(FetchPaths, BoundBlocksAndLongerThanDeclaredTextsArriveWhole) {
 }
 
 } // namespace
+
+// The guard around a save: what a failing statement leaves behind is rolled back when the
+// error unwinds the handler; a commit keeps the rows; an explicit rollback comes at once.
+TEST_F(AdodbTest, TransactionGuardRollsBackUnlessCommitted) {
+    const auto count = [&] {
+        return querySqlite(dbPath(), QStringLiteral("select count(*) from cgk")).toInt();
+    };
+    Connection conn;
+    conn.Open(profile());
+    EXPECT_THROW(
+        {
+            Transaction tx(conn);
+            conn.Execute(QStringLiteral("Insert Into cgk (cgkid,bookname) Values (1,'a')"));
+            conn.Execute(QStringLiteral("Insert Into nosuchtable (x) Values (1)"));
+            tx.commit();
+        },
+        vb::VbError);
+    EXPECT_EQ(count(), 0);
+    {
+        Transaction tx(conn);
+        conn.Execute(QStringLiteral("Insert Into cgk (cgkid,bookname) Values (2,'b')"));
+        EXPECT_TRUE(tx.isOpen());
+        tx.commit();
+        EXPECT_FALSE(tx.isOpen());
+    }
+    EXPECT_EQ(count(), 1);
+    {
+        Transaction tx(conn);
+        conn.Execute(QStringLiteral("Insert Into cgk (cgkid,bookname) Values (3,'c')"));
+        tx.rollback();
+        // Rolled back before the end of the scope: the next transaction starts clean.
+        EXPECT_EQ(count(), 1);
+        Transaction again(conn);
+        conn.Execute(QStringLiteral("Insert Into cgk (cgkid,bookname) Values (4,'d')"));
+        again.commit();
+    }
+    EXPECT_EQ(querySqlite(dbPath(), QStringLiteral("select group_concat(cgkid) from cgk")),
+              QStringLiteral("2,4"));
+}

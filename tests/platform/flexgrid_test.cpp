@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 using vb::FlexGrid;
 
 namespace {
@@ -178,3 +180,24 @@ TEST(MaskEdBox, UnfilledPlacesShowThePromptInText) {
 }
 
 } // namespace
+
+TEST(FlexGrid, OnlyTheLeftButtonMovesTheCurrentCell) {
+    FlexGrid g;
+    g.setFormatString(QStringLiteral("a|b|c"));
+    g.setRows(6);
+    g.resize(400, 300);
+    g.show();
+    g.setRow(1);
+    g.setCol(1);
+    std::vector<int> downs;
+    QObject::connect(&g, &FlexGrid::MouseDown,
+                     [&](int button, int, int, int) { downs.push_back(button); });
+    const QPoint cell = g.cellRect(4, 2).center() - g.viewport()->pos();
+    QTest::mouseClick(g.viewport(), Qt::RightButton, {}, cell);
+    EXPECT_EQ(g.Row(), 1);
+    EXPECT_EQ(g.Col(), 1);
+    QTest::mouseClick(g.viewport(), Qt::LeftButton, {}, cell);
+    EXPECT_EQ(g.Row(), 4);
+    EXPECT_EQ(g.Col(), 2);
+    EXPECT_EQ(downs, (std::vector<int>{2, 1}));
+}

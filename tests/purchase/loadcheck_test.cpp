@@ -1,10 +1,10 @@
 // The duplicate check: the union over holdings, orders and the copy-cataloguing source,
 // the empty path into a new order, New, Copy by status text, the popup, the grid's widths.
 #include "data/publicHanshu.h"
+#include "platform/Menu.h"
 #include "platform/flexgrid.h"
 #include "purchase/CaiGoufrm.h"
 #include "purchase/loadCheckDatafrm.h"
-#include "platform/Menu.h"
 #include "tests/purchase/purchasetest.h"
 #include "tests/shell/modalscript.h"
 
@@ -224,12 +224,17 @@ TEST_F(LoadCheck, PopupCopiesOrCancels) {
     EXPECT_NE(cg().addType, caigou::addAdding);
     search(kIsbn, false);
     Menu::setPicker(Menu::pickId(1));
-    // The right button also makes the row under the mouse the current one.
+    // The right button leaves the current row where it was: the popup acts on that row,
+    // not on the one under the mouse.
     vb::FlexGrid* g = d().Grid1();
-    const QPoint at =
-        g->cellRect(rowOf(QStringLiteral("已编目")), 2).center() - g->viewport()->pos();
+    const int current = rowOf(QStringLiteral("已编目"));
+    g->setRow(current);
+    const int other = current == 1 ? 2 : 1;
+    ASSERT_LT(other, g->Rows());
+    const QPoint at = g->cellRect(other, 2).center() - g->viewport()->pos();
     QTest::mouseClick(g->viewport(), Qt::RightButton, {}, at);
     Menu::setPicker(old);
+    EXPECT_EQ(g->Row(), current);
     EXPECT_EQ(cg().addType, caigou::addAdding);
     EXPECT_EQ(cg().Text1(1)->text(), QStringLiteral("红楼梦"));
 }

@@ -15,8 +15,6 @@ protected:
         // The routes also hand the entry form its query builder and supplier form.
         Mainfrm::setCommandHandler(Mainfrm::cmd采购订单, {});
         Mainfrm::setCommandHandler(Mainfrm::cmd采购来源定义, {});
-        CaiGoufrm::setFindHandler(nullptr);
-        CaiGoufrm::setSourceAddHandler(nullptr);
         PurchaseDb::TearDown();
     }
 };

@@ -23,9 +23,7 @@
 #include <QStandardPaths>
 #include <QToolButton>
 
-#ifdef ORVANE_HAVE_FENLEIHELP
 #include "classify/fenleihelp.h"
-#endif
 
 using testsupport::boxes;
 
@@ -154,7 +152,6 @@ TEST_F(MainfrmTest, CommandsRouteThroughTheTableFromMenuAndToolbar) {
     EXPECT_FALSE(button(3)->isEnabled());
 }
 
-#ifdef ORVANE_HAVE_FENLEIHELP
 TEST_F(MainfrmTest, ClassificationHelpOpensOnceInTheFrame) {
     registerRoutes();
     EXPECT_TRUE(act(QStringLiteral("中图法简表"))->isEnabled());
@@ -171,7 +168,6 @@ TEST_F(MainfrmTest, ClassificationHelpOpensOnceInTheFrame) {
     EXPECT_EQ(shown, 1);
     EXPECT_TRUE(vb::form<fenleihelp>().isVisible());
 }
-#endif
 
 // The close box, 退出系统 on the menu and button 15 ask the same question; No stays,
 // Yes ends the process with nothing else unloaded.

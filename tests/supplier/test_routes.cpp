@@ -36,8 +36,6 @@ protected:
     }
     void TearDown() override {
         Mainfrm::setCommandHandler(Mainfrm::cmd采购来源定义, {});
-        CaiGoufrm::setFindHandler({});
-        CaiGoufrm::setSourceAddHandler({});
         DbTest::TearDown();
     }
     QString q(const QString& sql) { return testsupport::querySqlite(dbPath(), sql); }
