@@ -13,10 +13,13 @@
 //                         "print"; then Findfrm modal
 #include "shell/routes.h"
 
+#include "acceptance/YanShouBDDfrm.h"
+#include "acceptance/YanShoudofrm.h"
 #include "classify/fenleihelp.h"
 #include "platform/errors.h"
 #include "purchase/CaiGoufrm.h"
 #include "query/Findfrm.h"
+#include "query/totalPrintfrm.h"
 #include "shell/Mainfrm.h"
 #include "supplier/cgGYSfrm.h"
 
@@ -56,12 +59,12 @@ void registerRoutes() {
     M::setCommandHandler(M::cmd其他条件, [] { findFor(QStringLiteral("print")); });
     M::setCommandHandler(M::cmd采购分类统计, [] { findFor(QStringLiteral("totaltotal")); });
     M::setCommandHandler(M::cmd采购明细统计, [] { findFor(QStringLiteral("totalmx")); });
+    M::setCommandHandler(M::cmd验收, [] { vb::form<YanShoudofrm>().Show(0); });
+    M::setCommandHandler(M::cmd补定单, [] { vb::form<YanShouBDDfrm>().Show(0); });
+    M::setCommandHandler(M::cmd采购金额统计, [] { vb::form<totalPrintfrm>().Show(0); });
     // Forms still being built; each gets its line here and the command comes alive:
     //   M::cmd采购查询      bringUp<CaiGoufindfrm>()
     //   M::cmd采购来源      vb::form<CaiGouprintfrm>().Show(0)
     //   M::cmd预定日期      vb::form<CaiGoufindDatefrm>().Show(0)
-    //   M::cmd验收          vb::form<YanShoudofrm>().Show(0)
     //   M::cmd查询浏览      bringUp<YanShouBrowerfrm>()
-    //   M::cmd补定单        vb::form<YanShouBDDfrm>().Show(0)
-    //   M::cmd采购金额统计  vb::form<totalPrintfrm>().Show(0)
 }
