@@ -14,6 +14,7 @@
 #include "shell/routes.h"
 
 #include "acceptance/YanShouBDDfrm.h"
+#include "acceptance/YanShouBrowerfrm.h"
 #include "acceptance/YanShoudofrm.h"
 #include "classify/fenleihelp.h"
 #include "platform/errors.h"
@@ -59,6 +60,9 @@ void registerRoutes() {
     M::setCommandHandler(M::cmd其他条件, [] { findFor(QStringLiteral("print")); });
     M::setCommandHandler(M::cmd采购分类统计, [] { findFor(QStringLiteral("totaltotal")); });
     M::setCommandHandler(M::cmd采购明细统计, [] { findFor(QStringLiteral("totalmx")); });
+    M::setCommandHandler(M::cmd查询浏览, [] { bringUp<YanShouBrowerfrm>(); });
+    // 打印设置 of the browser's print menu is the frame's printer dialog.
+    YanShouBrowerfrm::setPrinterSetupHandler([] { vb::form<Mainfrm>().runCommand(M::cmd打印机); });
     M::setCommandHandler(M::cmd验收, [] { vb::form<YanShoudofrm>().Show(0); });
     M::setCommandHandler(M::cmd补定单, [] { vb::form<YanShouBDDfrm>().Show(0); });
     M::setCommandHandler(M::cmd采购金额统计, [] { vb::form<totalPrintfrm>().Show(0); });
@@ -66,5 +70,4 @@ void registerRoutes() {
     //   M::cmd采购查询      bringUp<CaiGoufindfrm>()
     //   M::cmd采购来源      vb::form<CaiGouprintfrm>().Show(0)
     //   M::cmd预定日期      vb::form<CaiGoufindDatefrm>().Show(0)
-    //   M::cmd查询浏览      bringUp<YanShouBrowerfrm>()
 }
