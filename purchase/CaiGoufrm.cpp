@@ -6,6 +6,7 @@
 #include "platform/events.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
+#include "purchase/CaiGoufindfrm.h"
 #include "purchase/loadCheckDatafrm.h"
 #include "supplier/gysListfrm.h"
 
@@ -401,13 +402,14 @@ void CaiGoufrm::Command2_Click(int index) {
             vb::MsgBox(QStringLiteral("查询窗体尚未安装，暂不能查找采购订单。"), vb::vbInformation,
                        kTitle);
         break;
-    case 4:
-        if (browseHandler())
-            browseHandler()(m_lastCond, m_lastOrder);
-        else
-            vb::MsgBox(QStringLiteral("采购浏览窗体尚未安装，暂不能浏览采购订单。"),
-                       vb::vbInformation, kTitle);
+    case 4: {
+        // A fresh browser on the last query of this form.
+        auto& browser = vb::form<CaiGoufindfrm>();
+        browser.Unload();
+        browser.Show(0);
+        browser.loadGridData(m_lastCond, m_lastOrder);
         break;
+    }
     case 5:
         Unload();
         break;
