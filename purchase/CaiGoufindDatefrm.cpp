@@ -53,6 +53,9 @@ void CaiGoufindDatefrm::build(QWidget* w) {
         d->setObjectName(vb::ctlName(QStringLiteral("lDate"), i));
         d->setMask(QStringLiteral("####-##-##"));
         d->setPromptChar(u' ');
+        // The first box takes the focus as the window comes up, which selects nothing: the
+        // cursor must stand at the first place, not behind the mask, for typing to go in.
+        d->setCursorPosition(0);
         place(d, 360 + i * 2055, 600, 1695, 345);
         vb::selectAllOnFocus(d);
         vb::enterAsTab(d);
