@@ -6,6 +6,7 @@
 #include "platform/events.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
+#include "purchase/CaiGoufindfrm.h"
 #include "purchase/loadCheckDatafrm.h"
 #include "query/Findfrm.h"
 #include "supplier/cgGYSdofrm.h"
@@ -22,11 +23,6 @@
 namespace {
 
 const QString kTitle = QStringLiteral("操作提示");
-
-std::function<void(const QString&, const QString&)>& browseHandler() {
-    static std::function<void(const QString&, const QString&)> h;
-    return h;
-}
 
 // The fields with a pick list, by cList index, and what each list offers.
 constexpr int kListField[5] = {0, 10, 12, 13, 15};
@@ -54,10 +50,6 @@ void place(QWidget* c, int left, int top, int width, int height) {
 
 CaiGoufrm::CaiGoufrm() : Form(QStringLiteral("CaiGoufrm")) {}
 CaiGoufrm::~CaiGoufrm() = default;
-
-void CaiGoufrm::setBrowseHandler(std::function<void(const QString&, const QString&)> handler) {
-    browseHandler() = std::move(handler);
-}
 
 void CaiGoufrm::build(QWidget* w) {
     w->setWindowTitle(QStringLiteral("采购订单"));
@@ -386,13 +378,14 @@ void CaiGoufrm::Command2_Click(int index) {
         find.Show(1);
         break;
     }
-    case 4:
-        if (browseHandler())
-            browseHandler()(m_lastCond, m_lastOrder);
-        else
-            vb::MsgBox(QStringLiteral("采购浏览窗体尚未安装，暂不能浏览采购订单。"),
-                       vb::vbInformation, kTitle);
+    case 4: {
+        // A fresh browser on the last query of this form.
+        auto& browser = vb::form<CaiGoufindfrm>();
+        browser.Unload();
+        browser.Show(0);
+        browser.loadGridData(m_lastCond, m_lastOrder);
         break;
+    }
     case 5:
         Unload();
         break;

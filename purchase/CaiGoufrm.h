@@ -53,10 +53,6 @@ public:
     void Command2_Click(int index);
     void cList_Click(int index);
 
-    // 浏览: the purchase browser with the last query's condition and order.
-    static void
-    setBrowseHandler(std::function<void(const QString& cond, const QString& order)> handler);
-
 protected:
     void build(QWidget* w) override;
     void onLoad() override;

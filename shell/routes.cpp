@@ -18,7 +18,10 @@
 #include "acceptance/YanShoudofrm.h"
 #include "classify/fenleihelp.h"
 #include "platform/errors.h"
+#include "purchase/CaiGoufindDatefrm.h"
+#include "purchase/CaiGoufindfrm.h"
 #include "purchase/CaiGoufrm.h"
+#include "purchase/CaiGouprintfrm.h"
 #include "query/Findfrm.h"
 #include "query/totalPrintfrm.h"
 #include "shell/Mainfrm.h"
@@ -31,6 +34,13 @@ template <class F> void bringUp() {
     auto& f = vb::form<F>();
     f.Hide();
     f.Show(0);
+}
+
+// Shows a form modeless and brings it forward.
+template <class F> void showForward() {
+    auto& f = vb::form<F>();
+    f.Show(0);
+    f.window()->raise();
 }
 
 // The query builder opened for printing or statistics.
@@ -55,6 +65,9 @@ void registerRoutes() {
             if (f.isLoaded() && f.isVisible()) f.window()->raise();
         });
     });
+    M::setCommandHandler(M::cmd采购查询, [] { bringUp<CaiGoufindfrm>(); });
+    M::setCommandHandler(M::cmd采购来源, [] { showForward<CaiGouprintfrm>(); });
+    M::setCommandHandler(M::cmd预定日期, [] { showForward<CaiGoufindDatefrm>(); });
     M::setCommandHandler(M::cmd中图法简表, [] { bringUp<fenleihelp>(); });
     M::setCommandHandler(M::cmd采购来源定义, [] { bringUp<cgGYSfrm>(); });
     M::setCommandHandler(M::cmd其他条件, [] { findFor(QStringLiteral("print")); });
@@ -63,11 +76,7 @@ void registerRoutes() {
     M::setCommandHandler(M::cmd查询浏览, [] { bringUp<YanShouBrowerfrm>(); });
     // 打印设置 of the browser's print menu is the frame's printer dialog.
     YanShouBrowerfrm::setPrinterSetupHandler([] { vb::form<Mainfrm>().runCommand(M::cmd打印机); });
-    M::setCommandHandler(M::cmd验收, [] { vb::form<YanShoudofrm>().Show(0); });
-    M::setCommandHandler(M::cmd补定单, [] { vb::form<YanShouBDDfrm>().Show(0); });
-    M::setCommandHandler(M::cmd采购金额统计, [] { vb::form<totalPrintfrm>().Show(0); });
-    // Forms still being built; each gets its line here and the command comes alive:
-    //   M::cmd采购查询      bringUp<CaiGoufindfrm>()
-    //   M::cmd采购来源      vb::form<CaiGouprintfrm>().Show(0)
-    //   M::cmd预定日期      vb::form<CaiGoufindDatefrm>().Show(0)
+    M::setCommandHandler(M::cmd验收, [] { showForward<YanShoudofrm>(); });
+    M::setCommandHandler(M::cmd补定单, [] { showForward<YanShouBDDfrm>(); });
+    M::setCommandHandler(M::cmd采购金额统计, [] { showForward<totalPrintfrm>(); });
 }

@@ -1,6 +1,7 @@
 // The entry form driven through its widgets: states, change tracking, save as INSERT and
 // UPDATE, the counter in Global, navigation with its questions, keys, the fatal paths.
 #include "platform/errors.h"
+#include "purchase/CaiGoufindfrm.h"
 #include "purchase/CaiGoufrm.h"
 #include "purchase/loadCheckDatafrm.h"
 #include "query/Findfrm.h"
@@ -323,15 +324,9 @@ TEST_F(CaiGouForm, LoadGridDataNarrowsTheWalkAndShowsNothingYet) {
     EXPECT_EQ(f().Text1(1)->text(), QString());
     EXPECT_EQ(f().caption(), QStringLiteral("采购定单-10")); // kept
     EXPECT_EQ(f().lastOrder(), QStringLiteral(" Order By price"));
-    QString cond, order;
-    CaiGoufrm::setBrowseHandler([&](const QString& c, const QString& o) {
-        cond = c;
-        order = o;
-    });
     f().Command2(4)->click();
-    CaiGoufrm::setBrowseHandler(nullptr);
-    EXPECT_EQ(cond, QStringLiteral(" Where bookname='书20'"));
-    EXPECT_EQ(order, QStringLiteral(" Order By price"));
+    EXPECT_EQ(vb::form<CaiGoufindfrm>().lastCond, QStringLiteral(" Where bookname='书20'"));
+    EXPECT_EQ(vb::form<CaiGoufindfrm>().lastOrder, QStringLiteral(" Order By price"));
     f().Command1(0)->click();
     EXPECT_EQ(f().cgkIDs(), 20);
     f().Command1(2)->click(); // the only match was 20

@@ -224,9 +224,44 @@ TEST_F(FrameTest, FindCommandsOpenTheQueryBuilderModallyInTheirMode) {
         EXPECT_EQ(printType, QString::fromLatin1(c.mode));
         EXPECT_EQ(doType, QString::fromLatin1(c.mode));
     }
-    // The forms still to come stay disabled.
-    for (const char16_t* name : {u"采购查询"})
-        EXPECT_FALSE(frame().window()->findChild<QAction*>(QString::fromUtf16(name))->isEnabled());
+}
+
+// Every modeless command opens its one form in the frame, at the size it was laid out at,
+// and a second run brings the same window forward instead of a second one.
+TEST_F(FrameTest, ModelessCommandsOpenTheirFormAtItsDesignSizeOnce) {
+    const struct {
+        Mainfrm::Command command;
+        const char* form;
+    } cases[] = {
+        {Mainfrm::cmd采购查询, "CaiGoufindfrm"},   {Mainfrm::cmd采购来源, "CaiGouprintfrm"},
+        {Mainfrm::cmd预定日期, "CaiGoufindDatefrm"}, {Mainfrm::cmd验收, "YanShoudofrm"},
+        {Mainfrm::cmd查询浏览, "YanShouBrowerfrm"},  {Mainfrm::cmd补定单, "YanShouBDDfrm"},
+        {Mainfrm::cmd采购金额统计, "totalPrintfrm"}, {Mainfrm::cmd采购来源定义, "cgGYSfrm"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.form);
+        frame().runCommand(c.command);
+        settle();
+        vb::Form* f = vb::FormRegistry::byName(QString::fromLatin1(c.form));
+        ASSERT_NE(f, nullptr);
+        ASSERT_TRUE(f->isVisible());
+        QMdiSubWindow* sub = mdi()->activeSubWindow();
+        ASSERT_NE(sub, nullptr);
+        EXPECT_EQ(sub->widget(), f->window());
+        const QSize opened = f->window()->size();
+        EXPECT_GE(opened.width(), 300);
+        EXPECT_GE(opened.height(), 150);
+        // Every control of the form lies inside it.
+        for (QWidget* w : f->window()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+            if (!w->isHidden()) EXPECT_TRUE(f->window()->rect().contains(w->geometry()))
+                                    << w->objectName().toStdString();
+        const auto count = mdi()->subWindowList().size();
+        frame().runCommand(c.command);
+        settle();
+        EXPECT_EQ(mdi()->subWindowList().size(), count);
+        EXPECT_EQ(mdi()->activeSubWindow()->widget(), f->window());
+        EXPECT_EQ(f->window()->size(), opened);
+    }
 }
 
 TEST_F(FrameTest, PurchaseOrderCommandGoesOnPastADatabaseFailure) {
