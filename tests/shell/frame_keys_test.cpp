@@ -233,7 +233,7 @@ TEST_F(FrameTest, ModelessCommandsOpenTheirFormAtItsDesignSizeOnce) {
         Mainfrm::Command command;
         const char* form;
     } cases[] = {
-        {Mainfrm::cmd采购查询, "CaiGoufindfrm"},   {Mainfrm::cmd采购来源, "CaiGouprintfrm"},
+        {Mainfrm::cmd采购查询, "CaiGoufindfrm"},     {Mainfrm::cmd采购来源, "CaiGouprintfrm"},
         {Mainfrm::cmd预定日期, "CaiGoufindDatefrm"}, {Mainfrm::cmd验收, "YanShoudofrm"},
         {Mainfrm::cmd查询浏览, "YanShouBrowerfrm"},  {Mainfrm::cmd补定单, "YanShouBDDfrm"},
         {Mainfrm::cmd采购金额统计, "totalPrintfrm"}, {Mainfrm::cmd采购来源定义, "cgGYSfrm"},
@@ -253,8 +253,9 @@ TEST_F(FrameTest, ModelessCommandsOpenTheirFormAtItsDesignSizeOnce) {
         EXPECT_GE(opened.height(), 150);
         // Every control of the form lies inside it.
         for (QWidget* w : f->window()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
-            if (!w->isHidden()) EXPECT_TRUE(f->window()->rect().contains(w->geometry()))
-                                    << w->objectName().toStdString();
+            if (!w->isHidden())
+                EXPECT_TRUE(f->window()->rect().contains(w->geometry()))
+                    << w->objectName().toStdString();
         const auto count = mdi()->subWindowList().size();
         frame().runCommand(c.command);
         settle();
