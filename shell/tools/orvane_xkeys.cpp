@@ -1,7 +1,8 @@
 // orvane-xkeys: types into the X display as a keyboard would (the XTest extension,
 // loaded at run time so the program needs no X headers).
 //   orvane-xkeys ARG...   each ARG is text typed as it stands, or a key name in braces:
-//                         {Tab} {Return} {BackSpace} {Escape} ...; {sleep:MS} waits.
+//                         {Tab} {Return} {BackSpace} {Escape} ...; {sleep:MS} waits;
+//                         {click:X,Y} moves the pointer there and clicks the left button.
 // The pointer goes to the middle of the screen first, where the program's window is.
 #include <QCoreApplication>
 #include <QLibrary>
@@ -20,6 +21,7 @@ using XDefaultScreenFn = int (*)(Display*);
 using XDisplaySizeFn = int (*)(Display*, int);
 using XTestFakeKeyEventFn = int (*)(Display*, unsigned int, int, unsigned long);
 using XTestFakeMotionEventFn = int (*)(Display*, int, int, int, unsigned long);
+using XTestFakeButtonEventFn = int (*)(Display*, unsigned int, int, unsigned long);
 } // namespace
 
 int main(int argc, char** argv) {
@@ -40,8 +42,9 @@ int main(int argc, char** argv) {
     auto height = reinterpret_cast<XDisplaySizeFn>(x11.resolve("XDisplayHeight"));
     auto key = reinterpret_cast<XTestFakeKeyEventFn>(xtst.resolve("XTestFakeKeyEvent"));
     auto motion = reinterpret_cast<XTestFakeMotionEventFn>(xtst.resolve("XTestFakeMotionEvent"));
+    auto button = reinterpret_cast<XTestFakeButtonEventFn>(xtst.resolve("XTestFakeButtonEvent"));
     if (!open || !close || !flush || !keysym || !keycode || !defScreen || !width || !height ||
-        !key || !motion) {
+        !key || !motion || !button) {
         std::fprintf(stderr, "orvane-xkeys: X11 functions not found\n");
         return 1;
     }
@@ -69,6 +72,17 @@ int main(int argc, char** argv) {
         const QByteArray arg(argv[i]);
         if (arg.startsWith("{sleep:") && arg.endsWith('}')) {
             QThread::msleep(arg.mid(7, arg.size() - 8).toULong());
+        } else if (arg.startsWith("{click:") && arg.endsWith('}')) {
+            const QList<QByteArray> xy = arg.mid(7, arg.size() - 8).split(',');
+            if (xy.size() != 2) {
+                std::fprintf(stderr, "orvane-xkeys: %s is not {click:X,Y}\n", argv[i]);
+                return 2;
+            }
+            motion(d, s, xy[0].toInt(), xy[1].toInt(), 0);
+            button(d, 1, 1, 0);
+            button(d, 1, 0, 0);
+            flush(d);
+            QThread::msleep(100);
         } else if (arg.startsWith('{') && arg.endsWith('}')) {
             if (!press(arg.mid(1, arg.size() - 2))) return 1;
         } else {
