@@ -88,6 +88,23 @@ std::vector<WrappedLine> ReportEngine::wrap(const QString& text, const QFont& f,
     return out;
 }
 
+const std::vector<WrappedLine>& ReportEngine::wrapped(const QString& text,
+                                                      const ReportControl& c) const {
+    // Texts seen once (titles, order codes) would grow the cache without end: past this
+    // many it starts afresh, which keeps a report of any length in bounded memory.
+    constexpr size_t kMaxWrapped = 8192;
+    const int width = c.width - 2 * kHPad;
+    auto& byText = m_wrapped[{c.fontTwips * 2 + (c.bold ? 1 : 0), width}];
+    auto it = byText.constFind(text);
+    if (it != byText.constEnd()) return *it;
+    if (m_wrappedCount >= kMaxWrapped) {
+        for (auto& [key, texts] : m_wrapped) texts.clear();
+        m_wrappedCount = 0;
+    }
+    ++m_wrappedCount;
+    return *byText.insert(text, wrap(text, font(c), width));
+}
+
 // ---- data ------------------------------------------------------------------------------
 
 void ReportEngine::clear() {
@@ -98,6 +115,8 @@ void ReportEngine::clear() {
     m_bands.clear();
     m_pageStart.clear();
     m_done = false;
+    m_wrapped.clear();
+    m_wrappedCount = 0;
 }
 
 void ReportEngine::setData(std::shared_ptr<adodb::Recordset> rs, const QString& title,
@@ -243,7 +262,7 @@ int ReportEngine::grow(Sec s, int group, long row) const {
     for (size_t i = 0; i < controls.size(); ++i) {
         const ReportControl& c = controls[i];
         if (!c.canGrow) continue;
-        const auto lines = wrap(controlText(s, i, group, row, 0), font(c), c.width - 2 * kHPad);
+        const auto& lines = wrapped(controlText(s, i, group, row, 0), c);
         const int more = static_cast<int>(lines.size()) - std::max(1, c.lines);
         if (more > 0) extra = std::max(extra, more * lineStep(c));
     }
@@ -364,7 +383,7 @@ void ReportEngine::drawSection(QPainter& p, Sec s, int y, int h, int group, long
         const QString text = controlText(s, i, group, row, page);
         if (text.isEmpty()) continue;
         const QFont f = font(c);
-        const auto lines = wrap(text, f, c.width - 2 * kHPad);
+        const auto& lines = wrapped(text, c);
         const int lstep = lineStep(c);
         // A field that does not grow is cut at its cell: only the lines it holds print.
         const int fit = c.canGrow ? static_cast<int>(lines.size()) : std::max(1, c.lines);

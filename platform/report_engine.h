@@ -6,6 +6,7 @@
 #include "platform/report.h"
 
 #include <QFont>
+#include <QHash>
 #include <QVariant>
 
 #include <cstdint>
@@ -79,6 +80,7 @@ private:
     const ReportSection& section(Sec s) const;
     QFont font(const ReportControl& c) const;
     static int lineStep(const ReportControl& c);
+    const std::vector<WrappedLine>& wrapped(const QString& text, const ReportControl& c) const;
     QString controlText(Sec s, size_t ci, int group, long row, int page) const;
     QVariant fieldValue(Sec s, size_t ci, int group, long row) const;
     int grow(Sec s, int group, long row) const;
@@ -97,6 +99,10 @@ private:
     std::vector<Group> m_groups;
     std::vector<int> m_detailCol; // per detail control: column index (-1 for labels)
     mutable std::map<int, QFont> m_fonts;
+    // Lines of texts already wrapped, by font and cell width: headings, page headers and the
+    // many repeated values of a long report are laid out once, not on every page.
+    mutable std::map<std::pair<int, int>, QHash<QString, std::vector<WrappedLine>>> m_wrapped;
+    mutable size_t m_wrappedCount = 0;
 
     // Pagination state.
     std::vector<Band> m_bands;
