@@ -389,7 +389,8 @@ void ReportEngine::drawSection(QPainter& p, Sec s, int y, int h, int group, long
         const int fit = c.canGrow ? static_cast<int>(lines.size()) : std::max(1, c.lines);
         const int shown = std::min(static_cast<int>(lines.size()), fit);
         const double blockTop = y + top + (ch - shown * lstep) / 2.0;
-        p.setFont(f);
+        // Setting a font makes the painter resolve it again, even the one it holds.
+        if (p.font() != f) p.setFont(f);
         for (int k = 0; k < shown; ++k) {
             const WrappedLine& ln = lines[static_cast<size_t>(k)];
             double x = c.left + kHPad;
