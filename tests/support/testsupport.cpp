@@ -4,9 +4,7 @@
 #include "platform/errors.h"
 #include "platform/runtime.h"
 
-#ifdef ORVANE_HAVE_DBSCHEMA
 #include "data/dbinit/dbinit.h"
-#endif
 
 #include <QApplication>
 #include <QDir>
@@ -128,7 +126,6 @@ QString DbTest::makeEmptyDatabase() {
 }
 
 QString DbTest::makeDatabase(bool demo) {
-#ifdef ORVANE_HAVE_DBSCHEMA
     m_dbPath = m_dir->path() + QStringLiteral("/orvane.db");
     std::string error;
     if (!orvane::dbinit::createDatabase(m_dbPath.toStdString(), demo, &error))
@@ -137,11 +134,6 @@ QString DbTest::makeDatabase(bool demo) {
     vb::SaveSetting(QStringLiteral("Orvane文献系统"), QStringLiteral("Setting"),
                     QStringLiteral("OrvanePass"), m_profile);
     return m_profile;
-#else
-    (void)demo;
-    ADD_FAILURE() << "the database tool is not built";
-    return makeEmptyDatabase();
-#endif
 }
 
 } // namespace testsupport
