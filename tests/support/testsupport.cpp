@@ -1,10 +1,9 @@
 #include "tests/support/testsupport.h"
 
+#include "data/dbinit/dbinit.h"
 #include "data/sqlitecompat/orvane_compat.h"
 #include "platform/errors.h"
 #include "platform/runtime.h"
-
-#include "data/dbinit/dbinit.h"
 
 #include <QApplication>
 #include <QDir>
