@@ -6,6 +6,7 @@
 #include "data/globals.h"
 #include "platform/flexgrid.h"
 #include "platform/form.h"
+#include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
 #include <QApplication>
@@ -15,10 +16,6 @@
 #include <QTest>
 
 #include <ostream>
-
-inline void PrintTo(const QString& s, std::ostream* os) {
-    *os << '"' << s.toStdString() << '"';
-}
 
 class AcceptanceDb : public testsupport::DbTest {
 protected:

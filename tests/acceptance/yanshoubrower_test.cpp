@@ -11,6 +11,7 @@
 #include "platform/vb.h"
 #include "query/Findfrm.h"
 #include "query/reports.h"
+#include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
 #include <QApplication>
@@ -27,10 +28,6 @@
 #include <functional>
 #include <map>
 #include <ostream>
-
-void PrintTo(const QString& s, std::ostream* os) {
-    *os << '"' << s.toStdString() << '"';
-}
 
 namespace {
 

@@ -4,6 +4,7 @@
 // results back, so a failing comparison shows where a control character went.
 
 #include "platform/gbk.h"
+#include "tests/support/printto.h"
 
 #include <QString>
 #include <QStringList>
@@ -97,8 +98,3 @@ inline QString lines(const QStringList& l) {
 }
 
 } // namespace cardtest
-
-// Failing comparisons show the text, with the control characters made visible.
-inline void PrintTo(const QString& s, std::ostream* os) {
-    *os << cardtest::vis(s).toStdString();
-}

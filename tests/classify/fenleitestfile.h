@@ -2,6 +2,7 @@
 // Writing made-up outline files for the tests: UTF-8 text in, GBK bytes with CR LF out,
 // the way the shipped file is laid down.
 
+#include "tests/support/printto.h"
 #include <QByteArray>
 #include <QFile>
 #include <QString>
@@ -9,11 +10,6 @@
 #include <QStringList>
 
 #include <ostream>
-
-// Readable failures: gtest shows texts, not their bytes.
-inline void PrintTo(const QString& s, std::ostream* os) {
-    *os << '"' << s.toStdString() << '"';
-}
 
 namespace fenleitest {
 

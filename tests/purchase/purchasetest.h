@@ -4,6 +4,7 @@
 
 #include "data/globals.h"
 #include "platform/adodb.h"
+#include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
 #include <QApplication>
@@ -13,11 +14,6 @@
 
 #include <memory>
 #include <ostream>
-
-// Readable failures for texts.
-inline void PrintTo(const QString& s, std::ostream* os) {
-    *os << '"' << s.toStdString() << '"';
-}
 
 class PurchaseDb : public testsupport::DbTest {
 protected:

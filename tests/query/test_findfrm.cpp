@@ -8,6 +8,7 @@
 #include "platform/form.h"
 #include "platform/maskedbox.h"
 #include "query/Findfrm.h"
+#include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
 #include <QClipboard>
@@ -26,11 +27,6 @@
 
 #include <memory>
 #include <ostream>
-
-// Readable texts in the failure messages.
-void PrintTo(const QString& s, std::ostream* os) {
-    *os << '"' << s.toStdString() << '"';
-}
 
 namespace {
 

@@ -21,6 +21,7 @@
 #include "query/Findfrm.h"
 #include "query/reports.h"
 #include "query/tongji.h"
+#include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
 #include <QComboBox>
@@ -32,10 +33,6 @@
 
 #include <map>
 #include <ostream>
-
-void PrintTo(const QString& s, std::ostream* os) {
-    *os << '"' << s.toStdString() << '"';
-}
 
 namespace {
 

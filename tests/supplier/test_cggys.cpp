@@ -11,6 +11,7 @@
 #include "query/Findfrm.h"
 #include "supplier/cgGYSdofrm.h"
 #include "supplier/cgGYSfrm.h"
+#include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
 #include <QApplication>
@@ -27,10 +28,6 @@
 #include <algorithm>
 #include <functional>
 #include <ostream>
-
-void PrintTo(const QString& s, std::ostream* os) {
-    *os << '"' << s.toStdString() << '"';
-}
 
 namespace {
 
