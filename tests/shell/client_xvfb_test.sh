@@ -9,22 +9,7 @@ mkdir -p "$2"
 out=$(cd "$2" && pwd)
 here=$(cd "$(dirname "$0")" && pwd)
 
-command -v xvfb-run >/dev/null || { echo "xvfb-run is not installed"; exit 77; }
-odbcinst -q -d -n SQLite3 >/dev/null 2>&1 || { echo "the SQLite3 ODBC driver is not registered"; exit 77; }
-# orvane-xkeys types through the XTest library (Debian libxtst6).
-"$(command -v ldconfig || echo /sbin/ldconfig)" -p | grep -q 'libXtst\.so\.6' || { echo "libXtst.so.6 (libxtst6) is not installed"; exit 77; }
-
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-export HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data
-export XDG_RUNTIME_DIR=$work/run ODBCINI=$work/odbc.ini
-mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$XDG_DATA_HOME"
-mkdir -m 700 "$XDG_RUNTIME_DIR"
-unset QT_QPA_PLATFORM
-
-"$bin/orvane-dbinit" --demo "$work/orvane.db" >/dev/null
-printf '[OrvaneCGTest]\nDriver=SQLite3\nDatabase=%s\nLoadExt=%s\n' \
-  "$work/orvane.db" "$bin/liborvane_sqlite_compat.so" >"$ODBCINI"
+source "$here/client_home.sh"
 [ "$("$bin/orvane-setting" set-if-missing 'PROVIDER=MSDASQL;DSN=OrvaneCGTest;UID=orvane;PWD=;')" = stored ]
 # A stored profile is never overwritten.
 [ "$("$bin/orvane-setting" set-if-missing 'PROVIDER=MSDASQL;DSN=Other;')" = kept ]

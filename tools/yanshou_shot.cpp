@@ -5,34 +5,20 @@
 
 #include "acceptance/YanShouBrowerdofrm.h"
 #include "acceptance/YanShouBrowerfrm.h"
-#include "data/dbinit/dbinit.h"
 #include "data/globals.h"
 #include "platform/flexgrid.h"
 #include "platform/form.h"
 #include "platform/vb.h"
+#include "tools/shot.h"
 
 #include <QApplication>
-#include <QPixmap>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <cstdio>
 
 namespace {
-
 bool shoot(QWidget* w, const QString& path) {
-    if (!QTest::qWaitForWindowExposed(w)) {
-        std::fprintf(stderr, "yanshou_shot: the window did not show\n");
-        return false;
-    }
-    QTest::qWait(200);
-    if (!w->grab().save(path)) {
-        std::fprintf(stderr, "yanshou_shot: cannot write %s\n", qPrintable(path));
-        return false;
-    }
-    return true;
+    return shot::save(w, path, "yanshou_shot");
 }
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -42,15 +28,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     const QString out = QString::fromLocal8Bit(argv[1]);
-    QTemporaryDir dir;
-    const QString db = dir.path() + QStringLiteral("/orvane.db");
-    std::string error;
-    if (!orvane::dbinit::createDatabase(db.toStdString(), true, &error)) {
-        std::fprintf(stderr, "yanshou_shot: %s\n", error.c_str());
-        return 1;
-    }
-    gConnStr = QStringLiteral("PROVIDER=MSDASQL;Driver=SQLite3;Database=%1;LoadExt=%2;")
-                   .arg(db, QStringLiteral(ORVANE_COMPAT_MODULE));
+    const shot::DemoDatabase db("yanshou_shot", QStringLiteral("admin"));
+    if (!db.ok()) return 1;
 
     auto& b = vb::form<YanShouBrowerfrm>();
     b.Show(0);

@@ -8,16 +8,13 @@
 #include "acceptance/YanShouBDDfrm.h"
 #include "acceptance/YanShoudofrm.h"
 #include "acceptance/YanShoufrm.h"
-#include "data/dbinit/dbinit.h"
 #include "data/globals.h"
 #include "platform/adodb.h"
 #include "platform/flexgrid.h"
+#include "tools/shot.h"
 
 #include <QApplication>
 #include <QLineEdit>
-#include <QPainter>
-#include <QPixmap>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -28,27 +25,7 @@
 namespace {
 
 bool shoot(QWidget* w, const QString& path) {
-    if (!QTest::qWaitForWindowExposed(w)) {
-        std::fprintf(stderr, "acceptance_shot: the window did not show\n");
-        return false;
-    }
-    QTest::qWait(200);
-    // Without a window manager there is no title bar: a strip with the caption stands in
-    // for it, since the captions carry the voucher's totals.
-    const QPixmap body = w->grab();
-    const int strip = w->fontMetrics().height() + 10;
-    QPixmap shot(body.width(), body.height() + strip);
-    shot.fill(w->palette().color(QPalette::Highlight));
-    QPainter p(&shot);
-    p.setPen(w->palette().color(QPalette::HighlightedText));
-    p.drawText(QRect(8, 0, body.width() - 8, strip), Qt::AlignVCenter, w->windowTitle());
-    p.drawPixmap(0, strip, body);
-    p.end();
-    if (!shot.save(path)) {
-        std::fprintf(stderr, "acceptance_shot: cannot write %s\n", qPrintable(path));
-        return false;
-    }
-    return true;
+    return shot::save(w, path, "acceptance_shot", true);
 }
 
 QString first(const QString& sql) {
@@ -68,16 +45,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     const QString out = QString::fromLocal8Bit(argv[1]);
-    QTemporaryDir dir;
-    const QString db = dir.path() + QStringLiteral("/orvane.db");
-    std::string error;
-    if (!orvane::dbinit::createDatabase(db.toStdString(), true, &error)) {
-        std::fprintf(stderr, "acceptance_shot: %s\n", error.c_str());
-        return 1;
-    }
-    gConnStr = QStringLiteral("PROVIDER=MSDASQL;Driver=SQLite3;Database=%1;LoadExt=%2;")
-                   .arg(db, QStringLiteral(ORVANE_COMPAT_MODULE));
-    gUserName = QStringLiteral("王丽");
+    const shot::DemoDatabase db("acceptance_shot", QStringLiteral("王丽"));
+    if (!db.ok()) return 1;
 
     // The source with the most open orders, and the batch with the most shortfalls.
     const QString source = first(QStringLiteral(

@@ -1,14 +1,12 @@
 // Saves a picture of the card viewer showing the card of our made-up record:
 //   xvfb-run -a card_viewer_shot docs/card-viewer.png
 
-#include "cardrecords.h"
-
 #include "card/marcviewer.h"
 #include "platform/form.h"
+#include "tests/card/cardrecords.h"
+#include "tools/shot.h"
 
 #include <QApplication>
-#include <QPixmap>
-#include <QTest>
 
 #include <cstdio>
 
@@ -22,15 +20,7 @@ int main(int argc, char** argv) {
     f.MarcShuju = cardtest::workedRecord();
     f.varSelect = QString();
     f.Show(0);
-    if (!QTest::qWaitForWindowExposed(f.window())) {
-        std::fprintf(stderr, "card_viewer_shot: the window was not shown\n");
-        return 1;
-    }
-    QTest::qWait(200);
-    if (!f.window()->grab().save(QString::fromLocal8Bit(argv[1]))) {
-        std::fprintf(stderr, "card_viewer_shot: cannot write %s\n", argv[1]);
-        return 1;
-    }
+    const bool saved = shot::save(f.window(), QString::fromLocal8Bit(argv[1]), "card_viewer_shot");
     vb::FormRegistry::destroyAll(); // the windows go before the application does
-    return 0;
+    return saved ? 0 : 1;
 }

@@ -7,9 +7,9 @@
 #include "classify/fenleireader.h"
 #include "platform/flexgrid.h"
 #include "platform/form.h"
+#include "tools/shot.h"
 
 #include <QApplication>
-#include <QPixmap>
 #include <QTest>
 
 #include <cstdio>
@@ -41,12 +41,8 @@ int main(int argc, char** argv) {
     QTest::mouseClick(g1->viewport(), Qt::LeftButton, {}, cell.center() - g1->viewport()->pos());
     QTest::qWait(200);
 
-    const bool saved = f.window()->grab().save(QString::fromLocal8Bit(argv[1]));
+    const bool saved = shot::save(f.window(), QString::fromLocal8Bit(argv[1]), "fenleihelp_shot");
     // Forms go before the application object does.
     vb::FormRegistry::destroyAll();
-    if (!saved) {
-        std::fprintf(stderr, "fenleihelp_shot: cannot write %s\n", argv[1]);
-        return 1;
-    }
-    return 0;
+    return saved ? 0 : 1;
 }

@@ -3,37 +3,25 @@
 //   ASAN_OPTIONS=detect_leaks=0 xvfb-run -a build/bin/supplier_shot docs
 // writes docs/suppliers.png and docs/query-builder.png.
 
-#include "data/dbinit/dbinit.h"
 #include "data/globals.h"
 #include "platform/flexgrid.h"
 #include "platform/form.h"
 #include "platform/maskedbox.h"
 #include "query/Findfrm.h"
 #include "supplier/cgGYSfrm.h"
+#include "tools/shot.h"
 
 #include <QApplication>
 #include <QComboBox>
 #include <QListWidget>
-#include <QPixmap>
 #include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <cstdio>
 
 namespace {
 
 bool shoot(QWidget* w, const QString& path) {
-    if (!QTest::qWaitForWindowExposed(w)) {
-        std::fprintf(stderr, "supplier_shot: the window did not show\n");
-        return false;
-    }
-    QTest::qWait(200);
-    if (!w->grab().save(path)) {
-        std::fprintf(stderr, "supplier_shot: cannot write %s\n", qPrintable(path));
-        return false;
-    }
-    return true;
+    return shot::save(w, path, "supplier_shot");
 }
 
 void condition(Findfrm& f, const QString& field, const QString& fuhao, const QString& value) {
@@ -55,15 +43,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     const QString out = QString::fromLocal8Bit(argv[1]);
-    QTemporaryDir dir;
-    const QString db = dir.path() + QStringLiteral("/orvane.db");
-    std::string error;
-    if (!orvane::dbinit::createDatabase(db.toStdString(), true, &error)) {
-        std::fprintf(stderr, "supplier_shot: %s\n", error.c_str());
-        return 1;
-    }
-    gConnStr = QStringLiteral("PROVIDER=MSDASQL;Driver=SQLite3;Database=%1;LoadExt=%2;")
-                   .arg(db, QStringLiteral(ORVANE_COMPAT_MODULE));
+    const shot::DemoDatabase db("supplier_shot", QStringLiteral("admin"));
+    if (!db.ok()) return 1;
 
     bool ok = true;
     {

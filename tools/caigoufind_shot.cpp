@@ -2,28 +2,22 @@
 // the date print form with a span typed in:
 //   ASAN_OPTIONS=detect_leaks=0 xvfb-run -a build/bin/caigoufind_shot browser.png source.png
 //   dates.png
-// The demo database is made in a temporary folder.
 
-#include "data/dbinit/dbinit.h"
-#include "data/globals.h"
 #include "platform/form.h"
 #include "platform/maskedbox.h"
 #include "purchase/CaiGoufindDatefrm.h"
 #include "purchase/CaiGoufindfrm.h"
 #include "purchase/CaiGouprintfrm.h"
+#include "tools/shot.h"
 
 #include <QApplication>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <cstdio>
 
 namespace {
 bool shoot(vb::Form& f, const char* path) {
     f.Show(0);
-    if (!QTest::qWaitForWindowExposed(f.window())) return false;
-    QTest::qWait(200);
-    return f.window()->grab().save(QString::fromLocal8Bit(path));
+    return shot::save(f.window(), QString::fromLocal8Bit(path), "caigoufind_shot");
 }
 } // namespace
 
@@ -33,16 +27,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: caigoufind_shot <browser.png> <source.png> <dates.png>\n");
         return 2;
     }
-    QTemporaryDir tmp;
-    const QString db = tmp.path() + QStringLiteral("/demo.db");
-    std::string error;
-    if (!orvane::dbinit::createDatabase(db.toStdString(), true, &error)) {
-        std::fprintf(stderr, "caigoufind_shot: %s\n", error.c_str());
-        return 1;
-    }
-    gConnStr = QStringLiteral("PROVIDER=MSDASQL;Driver=SQLite3;Database=%1;LoadExt=%2;")
-                   .arg(db, QStringLiteral(ORVANE_COMPAT_MODULE));
-    gUserName = QStringLiteral("admin");
+    const shot::DemoDatabase db("caigoufind_shot", QStringLiteral("admin"));
+    if (!db.ok()) return 1;
 
     auto& browser = vb::form<CaiGoufindfrm>();
     browser.Show(0);
