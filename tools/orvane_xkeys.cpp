@@ -49,7 +49,15 @@ struct WindowAttributes {
 };
 constexpr int IsViewable = 2;
 
+// A window may go between listing the tree and asking about it: such errors are expected
+// and must not end the program, as Xlib's own handler would.
+using ErrorHandler = int (*)(Display*, void*);
+int ignoreError(Display*, void*) {
+    return 0;
+}
+
 struct X {
+    ErrorHandler (*setErrorHandler)(ErrorHandler);
     Display* (*open)(const char*);
     int (*close)(Display*);
     int (*flush)(Display*);
@@ -237,14 +245,15 @@ int main(int argc, char** argv) {
     }
     X x{};
     const bool all =
-        bind(x11, x.open, "XOpenDisplay") && bind(x11, x.close, "XCloseDisplay") &&
-        bind(x11, x.flush, "XFlush") && bind(x11, x.sync, "XSync") &&
-        bind(x11, x.keysym, "XStringToKeysym") && bind(x11, x.keycode, "XKeysymToKeycode") &&
-        bind(x11, x.defScreen, "XDefaultScreen") && bind(x11, x.width, "XDisplayWidth") &&
-        bind(x11, x.height, "XDisplayHeight") && bind(x11, x.rootWindow, "XRootWindow") &&
-        bind(x11, x.queryTree, "XQueryTree") && bind(x11, x.attributes, "XGetWindowAttributes") &&
-        bind(x11, x.internAtom, "XInternAtom") && bind(x11, x.property, "XGetWindowProperty") &&
-        bind(x11, x.free, "XFree") && bind(x11, x.displayKeycodes, "XDisplayKeycodes") &&
+        bind(x11, x.setErrorHandler, "XSetErrorHandler") && bind(x11, x.open, "XOpenDisplay") &&
+        bind(x11, x.close, "XCloseDisplay") && bind(x11, x.flush, "XFlush") &&
+        bind(x11, x.sync, "XSync") && bind(x11, x.keysym, "XStringToKeysym") &&
+        bind(x11, x.keycode, "XKeysymToKeycode") && bind(x11, x.defScreen, "XDefaultScreen") &&
+        bind(x11, x.width, "XDisplayWidth") && bind(x11, x.height, "XDisplayHeight") &&
+        bind(x11, x.rootWindow, "XRootWindow") && bind(x11, x.queryTree, "XQueryTree") &&
+        bind(x11, x.attributes, "XGetWindowAttributes") && bind(x11, x.internAtom, "XInternAtom") &&
+        bind(x11, x.property, "XGetWindowProperty") && bind(x11, x.free, "XFree") &&
+        bind(x11, x.displayKeycodes, "XDisplayKeycodes") &&
         bind(x11, x.keyboardMapping, "XGetKeyboardMapping") &&
         bind(x11, x.changeKeyboardMapping, "XChangeKeyboardMapping") &&
         bind(x11, x.setInputFocus, "XSetInputFocus") && bind(x11, x.raise, "XRaiseWindow") &&
@@ -255,6 +264,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "orvane-xkeys: X11 functions not found\n");
         return 1;
     }
+    x.setErrorHandler(ignoreError);
     Display* d = x.open(nullptr);
     if (!d) {
         std::fprintf(stderr, "orvane-xkeys: cannot open the display\n");
