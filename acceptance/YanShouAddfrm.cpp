@@ -51,8 +51,7 @@ void YanShouAddfrm::Text1_LostFocus(int index) {
     // The focus leaves the field also when the window goes at unload: nothing to check then.
     if (!isLoaded()) return;
     QLineEdit* t = Text1(index);
-    const QString trimmed = vb::Trim(t->text());
-    if (trimmed != t->text()) t->setText(trimmed);
+    const QString trimmed = vb::trimText(t);
     if (index != 2 || trimmed.isEmpty()) return;
     if (!vb::IsNumeric(trimmed)) {
         vb::MsgBox(QStringLiteral("无效数字格式，取消该操作。"), vb::vbCritical, vb::kMsgTitle);

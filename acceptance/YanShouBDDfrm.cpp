@@ -43,10 +43,7 @@ void YanShouBDDfrm::build(QWidget* w) {
         t->setMaxLength(lengths[i]);
         vb::selectAllOnFocus(t);
         vb::enterAsTab(t);
-        vb::onLostFocus(t, [t] {
-            const QString trimmed = vb::Trim(t->text());
-            if (trimmed != t->text()) t->setText(trimmed);
-        });
+        vb::onLostFocus(t, [t] { vb::trimText(t); });
         auto* pick = vb::commandButton(w, vb::ctlName(QStringLiteral("Command2"), i), QString(),
                                        4440, top, 315, 315, this, [this, i] { Command2_Click(i); });
         pick->setToolTip(QString::fromUtf16(tips[i]));

@@ -185,8 +185,7 @@ void YanShouBrowerdofrm::focusBack(int index) {
 void YanShouBrowerdofrm::Text1_LostFocus(int index) {
     if (m_state != kShown) return;
     QLineEdit* t = Text1(index);
-    const QString trimmed = vb::Trim(t->text());
-    if (trimmed != t->text()) t->setText(trimmed);
+    const QString trimmed = vb::trimText(t);
     if (trimmed.isEmpty()) return;
     switch (index) {
     case 3:

@@ -38,11 +38,7 @@ void YanShoudofrm::build(QWidget* w) {
     text->setMaxLength(30);
     vb::selectAllOnFocus(text);
     vb::enterAsTab(text);
-    vb::onLostFocus(text, [text] {
-        QLineEdit* t = text;
-        const QString trimmed = vb::Trim(t->text());
-        if (trimmed != t->text()) t->setText(trimmed);
-    });
+    vb::onLostFocus(text, [text] { vb::trimText(text); });
 
     auto* pick = vb::commandButton(w, QStringLiteral("Command2"), QString(), 4440, 300, 315, 315,
                                    this, [this] { Command2_Click(); });

@@ -1,5 +1,7 @@
 #include "platform/formkit.h"
 
+#include "platform/vb.h"
+
 namespace vb {
 
 void place(QWidget* c, int left, int top, int width, int height) {
@@ -14,7 +16,6 @@ QLabel* label(QWidget* parent, const QString& name, const QString& text, int lef
 QPushButton* commandButton(QWidget* parent, const QString& name, const QString& caption) {
     auto* b = new QPushButton(caption, parent);
     b->setObjectName(name);
-    b->setAutoDefault(false);
     return b;
 }
 
@@ -36,6 +37,12 @@ std::vector<QPushButton*> buttonRow(QWidget* parent, const QString& base,
                                     [onClick, i] { onClick(i); }));
     }
     return row;
+}
+
+QString trimText(QLineEdit* t) {
+    const QString trimmed = Trim(t->text());
+    if (trimmed != t->text()) t->setText(trimmed);
+    return trimmed;
 }
 
 void moveRowTo(Form& f, const QString& base, int count, int top) {

@@ -6,6 +6,7 @@
 #include "platform/form.h"
 
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QString>
 
@@ -38,8 +39,7 @@ QLabel* label(QWidget* parent, const QString& name, const QString& text, int lef
               int width, int height);
 
 // A command button, for a form that lays it out itself. The caption carries its access key
-// as "&X". Forms are never dialogs, so no button takes Enter by itself: Enter belongs to the
-// control that has the focus.
+// as "&X". (How Enter presses it is the form model's: see Form::Load.)
 QPushButton* commandButton(QWidget* parent, const QString& name, const QString& caption);
 
 // The same, its Click running `onClick` for as long as `context` (the form) lives.
@@ -78,6 +78,10 @@ struct ButtonRow {
 std::vector<QPushButton*> buttonRow(QWidget* parent, const QString& base,
                                     std::span<const char16_t* const> captions, const ButtonRow& at,
                                     QObject* context, std::function<void(int)> onClick);
+
+// Trims the blanks off a text box, as a field does when it is left, and returns the text. A
+// text with none is not set again: that would fire Change where nothing changed.
+QString trimText(QLineEdit* t);
 
 // Moves `count` members of a control array to `top` twips, each keeping its left: a form's
 // buttons following the bottom edge as the window is resized.

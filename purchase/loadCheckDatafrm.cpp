@@ -155,8 +155,7 @@ void loadCheckDatafrm::gridFix() {
 
 void loadCheckDatafrm::Text1_LostFocus() {
     QLineEdit* t = Text1();
-    const QString s = vb::Trim(t->text());
-    if (t->text() != s) t->setText(s);
+    const QString s = vb::trimText(t);
     // A bare number is hyphenated as the user leaves; no check digit test here.
     if (!s.isEmpty() && Option1(1)->isChecked()) {
         const QString f = formatIsbn(s);

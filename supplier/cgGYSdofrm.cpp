@@ -130,8 +130,7 @@ void cgGYSdofrm::loadData() {
 
 void cgGYSdofrm::Text1_LostFocus(int index) {
     QLineEdit* t = Text1(index);
-    const QString text = vb::Trim(t->text());
-    if (text != t->text()) t->setText(text);
+    const QString text = vb::trimText(t);
     if (index != 0 || text.isEmpty()) return;
     const bool test = gysMode == 1 ? text != oldName && text != checkedName
                                    : (gysMode == 0 || gysMode == 2) && text != checkedName;
