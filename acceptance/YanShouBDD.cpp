@@ -15,8 +15,6 @@
 
 namespace {
 
-const QString kChosen = QStringLiteral("√");
-const QString kNotChosen = QStringLiteral("×");
 // Columns: 0 cgkid, 1 选定, 2 ISBN, 3 书名, 4 著者, 5 版本版次, 6 价格, 7 预定册数,
 // 8 欠到册数, 9 补定册数
 constexpr int kMark = 1;
@@ -27,7 +25,7 @@ constexpr int kCount = 9;
 
 YanShouBDD::YanShouBDD()
     : MarkGridForm(QStringLiteral("YanShouBDD"), QStringLiteral("补定单浏览"),
-                   QStringLiteral("&B  补定"), QStringLiteral("补定")) {}
+                   QStringLiteral("&B  补定"), QStringLiteral("补定"), {kMark, kCount, kShort}) {}
 
 void YanShouBDD::build(QWidget* w) {
     MarkGridForm::build(w);
@@ -79,25 +77,6 @@ void YanShouBDD::Command1_Click(int index) {
     }
 }
 
-void YanShouBDD::selectRange() {
-    vb::FlexGrid* g = Grid1();
-    const auto [from, to] = range(g);
-    for (int r = from; r <= to; ++r) {
-        if (g->TextMatrix(r, kMark) != kNotChosen) continue;
-        g->setTextMatrix(r, kMark, kChosen);
-        g->setTextMatrix(r, kCount, g->TextMatrix(r, kShort));
-    }
-}
-
-void YanShouBDD::unselectRange() {
-    vb::FlexGrid* g = Grid1();
-    const auto [from, to] = range(g);
-    for (int r = from; r <= to; ++r) {
-        g->setTextMatrix(r, kMark, kNotChosen);
-        g->setTextMatrix(r, kCount, QStringLiteral("0"));
-    }
-}
-
 void YanShouBDD::editCellOpen() {
     vb::FlexGrid* g = Grid1();
     bool open = false;
@@ -110,39 +89,11 @@ void YanShouBDD::editCellOpen() {
     // Whichever column was clicked, only 补定册数 is edited.
     m_placing = true;
     vb::resume([&] { g->setCol(kCount); });
-    QLineEdit* t = Text1();
-    vb::resume([&] {
-        const QRect cell = g->cellRect(g->Row(), kCount);
-        t->setGeometry(g->x() + cell.x(), g->y() + cell.y() + vb::twips(10),
-                       vb::twips(g->CellWidth() - 30), vb::twips(g->CellHeight() - 50));
-    });
-    vb::resume([&] { t->setText(g->TextMatrix(g->Row(), kCount)); });
-    vb::resume([&] {
-        t->show();
-        t->raise();
-        t->setFocus();
-    });
+    openEditor(kCount);
     m_placing = false;
     editFlag = false;
     editCell[0] = static_cast<int16_t>(g->Row());
     editCell[1] = kCount;
-}
-
-void YanShouBDD::Text1_LostFocus() {
-    if (!isLoaded()) return; // the window is going: no edit to keep
-    QLineEdit* t = Text1();
-    t->hide();
-    const QString plain = plainNumber(t->text());
-    if (plain != t->text()) t->setText(plain);
-    vb::FlexGrid* g = Grid1();
-    if (editFlag) {
-        const QString text = t->text();
-        g->setTextMatrix(editCell[0], editCell[1], text);
-        if (text == QStringLiteral("0")) g->setTextMatrix(editCell[0], kMark, kNotChosen);
-        t->clear();
-    }
-    highlightRow();
-    g->setFocus();
 }
 
 int16_t YanShouBDD::newCgkId() {

@@ -13,18 +13,16 @@ public:
     void gridFix() override;
 
     void Command1_Click(int index) override;
-    void selectRange();
-    void unselectRange();
     void editCellOpen() override;
     void saveBuDing();
 
 protected:
     void build(QWidget* w) override;
+    void editorLeft() override { highlightRow(); }
 
 private:
     // The next cgkid from the counter in Global, on a connection of its own.
     int16_t newCgkId();
-    void Text1_LostFocus() override;
     void highlightRow();
     bool m_placing = false; // the editor is being placed over column 9
 };

@@ -16,8 +16,6 @@
 
 namespace {
 
-const QString kChosen = QStringLiteral("√");
-const QString kNotChosen = QStringLiteral("×");
 // Columns: 0 cgkid, 1 预定日期, 2 选择, 3 预定册数, 4 验收册数, 5 书名, 6 ISBN, 7 版本版次, 8 价格
 constexpr int kMark = 2;
 constexpr int kOrdered = 3;
@@ -28,7 +26,7 @@ constexpr int kPrice = 8;
 
 YanShoufrm::YanShoufrm()
     : MarkGridForm(QStringLiteral("YanShoufrm"), QStringLiteral("采购验收管理"),
-                   QStringLiteral("&N  验收"), QStringLiteral("验收")) {}
+                   QStringLiteral("&N  验收"), QStringLiteral("验收"), {kMark, kCount, kOrdered}) {}
 
 void YanShoufrm::gridFix() {
     vb::FlexGrid* g = Grid1();
@@ -59,25 +57,6 @@ void YanShoufrm::Command1_Click(int index) {
     }
 }
 
-void YanShoufrm::selectRange() {
-    vb::FlexGrid* g = Grid1();
-    const auto [from, to] = range(g);
-    for (int r = from; r <= to; ++r) {
-        if (g->TextMatrix(r, kMark) != kNotChosen) continue; // a chosen row keeps its count
-        g->setTextMatrix(r, kMark, kChosen);
-        g->setTextMatrix(r, kCount, g->TextMatrix(r, kOrdered));
-    }
-}
-
-void YanShoufrm::unselectRange() {
-    vb::FlexGrid* g = Grid1();
-    const auto [from, to] = range(g);
-    for (int r = from; r <= to; ++r) {
-        g->setTextMatrix(r, kMark, kNotChosen);
-        g->setTextMatrix(r, kCount, QStringLiteral("0"));
-    }
-}
-
 void YanShoufrm::editCellOpen() {
     // Errors pass: a double click on an empty grid does nothing visible.
     vb::FlexGrid* g = Grid1();
@@ -89,39 +68,10 @@ void YanShoufrm::editCellOpen() {
                (g->Col() == kCount || g->Col() == kPrice);
     });
     if (!open) return;
-    QLineEdit* t = Text1();
-    vb::resume([&] {
-        const QRect cell = g->cellRect(g->Row(), g->Col());
-        t->setGeometry(g->x() + cell.x(), g->y() + cell.y() + vb::twips(10),
-                       vb::twips(g->CellWidth() - 30), vb::twips(g->CellHeight() - 50));
-    });
-    vb::resume([&] { t->setText(g->TextMatrix(g->Row(), g->Col())); });
-    vb::resume([&] {
-        t->show();
-        t->raise();
-        t->setFocus();
-    });
+    openEditor(g->Col());
     editFlag = false; // loading the text is no change
     editCell[0] = static_cast<int16_t>(g->Row());
     editCell[1] = static_cast<int16_t>(g->Col());
-}
-
-void YanShoufrm::Text1_LostFocus() {
-    if (!isLoaded()) return; // the window is going: no edit to keep
-    QLineEdit* t = Text1();
-    t->hide();
-    const QString plain = plainNumber(t->text());
-    if (plain != t->text()) t->setText(plain); // a change sets editFlag
-    if (editFlag) {
-        vb::FlexGrid* g = Grid1();
-        const QString text = t->text();
-        g->setTextMatrix(editCell[0], editCell[1], text);
-        // A count of zero unchooses the title; a price of zero does not.
-        if (editCell[1] == kCount && text == QStringLiteral("0"))
-            g->setTextMatrix(editCell[0], kMark, kNotChosen);
-        t->clear();
-    }
-    Grid1()->setFocus();
 }
 
 void YanShoufrm::beginYanShou() {

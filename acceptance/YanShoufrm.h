@@ -20,11 +20,6 @@ public:
     void addYS(const QString& iBatch, double iJine, const QString& iFP, const QString& iSJ);
 
     void Command1_Click(int index) override;
-    void selectRange();
-    void unselectRange();
     void editCellOpen() override;
     void beginYanShou();
-
-private:
-    void Text1_LostFocus() override;
 };

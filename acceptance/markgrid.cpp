@@ -20,8 +20,9 @@ constexpr int kButtonHeight = 375;
 } // namespace
 
 MarkGridForm::MarkGridForm(const QString& name, const QString& caption, const QString& action,
-                           const QString& menuWord)
-    : vb::Form(name), m_caption(caption), m_action(action), m_menuWord(menuWord) {}
+                           const QString& menuWord, Columns columns)
+    : vb::Form(name), m_columns(columns), m_caption(caption), m_action(action),
+      m_menuWord(menuWord) {}
 
 vb::FlexGrid* MarkGridForm::Grid1() {
     return ctl<vb::FlexGrid>(QStringLiteral("Grid1"));
@@ -149,4 +150,58 @@ void MarkGridForm::loadData(const QString& sql) {
     g->setRow(1);
     g->setCol(0);
     g->setColSel(g->Cols() - 1);
+}
+
+void MarkGridForm::selectRange() {
+    vb::FlexGrid* g = Grid1();
+    const auto [from, to] = range(g);
+    for (int r = from; r <= to; ++r) {
+        if (g->TextMatrix(r, m_columns.mark) != kNotChosen) continue;
+        g->setTextMatrix(r, m_columns.mark, kChosen);
+        g->setTextMatrix(r, m_columns.count, g->TextMatrix(r, m_columns.countFrom));
+    }
+}
+
+void MarkGridForm::unselectRange() {
+    vb::FlexGrid* g = Grid1();
+    const auto [from, to] = range(g);
+    for (int r = from; r <= to; ++r) {
+        g->setTextMatrix(r, m_columns.mark, kNotChosen);
+        g->setTextMatrix(r, m_columns.count, QStringLiteral("0"));
+    }
+}
+
+void MarkGridForm::openEditor(int col) {
+    vb::FlexGrid* g = Grid1();
+    QLineEdit* t = Text1();
+    vb::resume([&] {
+        const QRect cell = g->cellRect(g->Row(), col);
+        t->setGeometry(g->x() + cell.x(), g->y() + cell.y() + vb::twips(10),
+                       vb::twips(g->CellWidth() - 30), vb::twips(g->CellHeight() - 50));
+    });
+    vb::resume([&] { t->setText(g->TextMatrix(g->Row(), col)); });
+    vb::resume([&] {
+        t->show();
+        t->raise();
+        t->setFocus();
+    });
+}
+
+void MarkGridForm::Text1_LostFocus() {
+    if (!isLoaded()) return; // the window is going: no edit to keep
+    QLineEdit* t = Text1();
+    t->hide();
+    const QString plain = plainNumber(t->text());
+    if (plain != t->text()) t->setText(plain); // a change sets editFlag
+    vb::FlexGrid* g = Grid1();
+    if (editFlag) {
+        const QString text = t->text();
+        g->setTextMatrix(editCell[0], editCell[1], text);
+        // A count of zero unchooses the title; a price of zero does not.
+        if (editCell[1] == m_columns.count && text == QStringLiteral("0"))
+            g->setTextMatrix(editCell[0], m_columns.mark, kNotChosen);
+        t->clear();
+    }
+    editorLeft();
+    g->setFocus();
 }

@@ -20,6 +20,18 @@ class FlexGrid;
 class MarkGridForm : public vb::Form {
     Q_OBJECT
 public:
+    // The marks of column `mark`.
+    static inline const QString kChosen = QStringLiteral("√");
+    static inline const QString kNotChosen = QStringLiteral("×");
+
+    // The columns the grid works on: the mark, the count that is edited, and the one a
+    // newly chosen row takes its count from.
+    struct Columns {
+        int mark;
+        int count;
+        int countFrom;
+    };
+
     bool editFlag = false;    // the editor's text was changed
     int16_t editCell[2] = {}; // row and column under the editor
 
@@ -30,6 +42,10 @@ public:
     virtual void Command1_Click(int index) = 0;
     virtual void editCellOpen() = 0;
     void menuAt();
+    // Chooses the rows between Row and RowSel; a row chosen already keeps its count.
+    void selectRange();
+    // Unchooses them, their count back to 0.
+    void unselectRange();
 
     vb::FlexGrid* Grid1();
     QLineEdit* Text1();
@@ -44,14 +60,22 @@ public:
 protected:
     // `action` is button 1's caption, `menuWord` the popup's entry for it.
     MarkGridForm(const QString& name, const QString& caption, const QString& action,
-                 const QString& menuWord);
+                 const QString& menuWord, Columns columns);
 
     void build(QWidget* w) override;
     void onLoad() override;
     void onResize() override;
-    virtual void Text1_LostFocus() = 0;
+    // Puts the editor over column `col` of the current row with the cell's text, and gives
+    // it the focus; each step passes over its own error.
+    void openEditor(int col);
+    // What the form does once the editor has been left, before the grid takes the focus.
+    virtual void editorLeft() {}
 
 private:
+    // The editor's number goes into its cell; a count of 0 unchooses the row.
+    void Text1_LostFocus();
+
+    Columns m_columns;
     QString m_caption;
     QString m_action;
     QString m_menuWord;
