@@ -80,11 +80,7 @@ void YanShouBDD::Command1_Click(int index) {
 void YanShouBDD::editCellOpen() {
     vb::FlexGrid* g = Grid1();
     bool open = false;
-    vb::resume([&] {
-        const int row = g->Row();
-        open = !vb::Trim(g->TextMatrix(row, 0)).isEmpty() && row != 0 &&
-               g->TextMatrix(row, kMark) != kNotChosen;
-    });
+    vb::resume([&] { open = rowEditable(); });
     if (!open) return;
     // Whichever column was clicked, only 补定册数 is edited.
     m_placing = true;

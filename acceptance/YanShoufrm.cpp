@@ -61,12 +61,7 @@ void YanShoufrm::editCellOpen() {
     // Errors pass: a double click on an empty grid does nothing visible.
     vb::FlexGrid* g = Grid1();
     bool open = false;
-    vb::resume([&] {
-        const int row = g->Row();
-        open = !vb::Trim(g->TextMatrix(row, 0)).isEmpty() && row != 0 &&
-               g->TextMatrix(row, kMark) != kNotChosen &&
-               (g->Col() == kCount || g->Col() == kPrice);
-    });
+    vb::resume([&] { open = rowEditable() && (g->Col() == kCount || g->Col() == kPrice); });
     if (!open) return;
     openEditor(g->Col());
     editFlag = false; // loading the text is no change

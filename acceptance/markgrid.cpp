@@ -171,6 +171,13 @@ void MarkGridForm::unselectRange() {
     }
 }
 
+bool MarkGridForm::rowEditable() {
+    vb::FlexGrid* g = Grid1();
+    const int row = g->Row();
+    return !vb::Trim(g->TextMatrix(row, 0)).isEmpty() && row != 0 &&
+           g->TextMatrix(row, m_columns.mark) != kNotChosen;
+}
+
 void MarkGridForm::openEditor(int col) {
     vb::FlexGrid* g = Grid1();
     QLineEdit* t = Text1();

@@ -68,6 +68,8 @@ protected:
     // Puts the editor over column `col` of the current row with the cell's text, and gives
     // it the focus; each step passes over its own error.
     void openEditor(int col);
+    // The current row holds a title and is chosen: its numbers may be edited.
+    bool rowEditable();
     // What the form does once the editor has been left, before the grid takes the focus.
     virtual void editorLeft() {}
 
