@@ -2,6 +2,7 @@
 
 #include "acceptance/YanShoufrm.h"
 #include "platform/events.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 
@@ -10,7 +11,6 @@
 #include <QPushButton>
 
 namespace {
-const QString kTitle = QStringLiteral("操作提示");
 
 struct Field {
     const char16_t* label;
@@ -32,37 +32,29 @@ void YanShouAddfrm::build(QWidget* w) {
     // Created in the order of the rows, so the tab order is theirs, then the buttons'.
     for (int i = 0; i < 5; ++i) {
         const int top = 240 + i * 435;
-        auto* label = new QLabel(QString::fromUtf16(kFields[i].label), w);
-        label->setObjectName(vb::ctlName(QStringLiteral("Label1"), i));
-        label->setGeometry(vb::twips(360), vb::twips(top + 45), vb::twips(1080), vb::twips(255));
-        auto* t = new QLineEdit(w);
-        t->setObjectName(vb::ctlName(QStringLiteral("Text1"), i));
+        vb::label(w, vb::ctlName(QStringLiteral("Label1"), i), QString::fromUtf16(kFields[i].label),
+                  360, top + 45, 1080, 255);
+        auto* t = vb::control<QLineEdit>(w, vb::ctlName(QStringLiteral("Text1"), i), 1440, top,
+                                         3480, 315);
         if (kFields[i].maxLength > 0) t->setMaxLength(kFields[i].maxLength);
-        t->setGeometry(vb::twips(1440), vb::twips(top), vb::twips(3480), vb::twips(315));
         if (i == 0) t->setReadOnly(true); // shown only: the source is not passed on
         vb::selectAllOnFocus(t);
         vb::enterAsTab(t);
         vb::onLostFocus(t, [this, i] { Text1_LostFocus(i); });
     }
-    const char16_t* captions[2] = {u"&A  确定", u"&X  取消"};
-    for (int i = 0; i < 2; ++i) {
-        auto* b = new QPushButton(QString::fromUtf16(captions[i]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), i));
-        b->setGeometry(vb::twips(1080 + i * 1920), vb::twips(2520), vb::twips(1215),
-                       vb::twips(375));
-        connect(b, &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
-    }
+    const char16_t* const captions[2] = {u"&A  确定", u"&X  取消"};
+    vb::buttonRow(w, QStringLiteral("Command1"), captions, {1080, 1920, 2520, 1215, 375}, this,
+                  [this](int i) { Command1_Click(i); });
 }
 
 void YanShouAddfrm::Text1_LostFocus(int index) {
     // The focus leaves the field also when the window goes at unload: nothing to check then.
     if (!isLoaded()) return;
     QLineEdit* t = Text1(index);
-    const QString trimmed = vb::Trim(t->text());
-    if (trimmed != t->text()) t->setText(trimmed);
+    const QString trimmed = vb::trimText(t);
     if (index != 2 || trimmed.isEmpty()) return;
     if (!vb::IsNumeric(trimmed)) {
-        vb::MsgBox(QStringLiteral("无效数字格式，取消该操作。"), vb::vbCritical, kTitle);
+        vb::MsgBox(QStringLiteral("无效数字格式，取消该操作。"), vb::vbCritical, vb::kMsgTitle);
         t->clear();
         t->setFocus();
         return;
@@ -88,7 +80,7 @@ void YanShouAddfrm::Command1_Click(int index) {
     };
     for (const Check& c : checks) {
         if (!c.failed) continue;
-        vb::MsgBox(QString::fromUtf16(c.message), vb::vbCritical, kTitle);
+        vb::MsgBox(QString::fromUtf16(c.message), vb::vbCritical, vb::kMsgTitle);
         Text1(c.focus)->setFocus();
         return;
     }

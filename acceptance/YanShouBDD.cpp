@@ -1,30 +1,20 @@
 #include "acceptance/YanShouBDD.h"
 
 #include "acceptance/YanShouBDDfrm.h"
-#include "acceptance/YanShoufrm.h"
 #include "data/globals.h"
 #include "data/publicHanshu.h"
-#include "platform/Menu.h"
 #include "platform/adodb.h"
 #include "platform/errors.h"
-#include "platform/events.h"
 #include "platform/flexgrid.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/transaction.h"
 #include "platform/vb.h"
 
 #include <QLineEdit>
-#include <QPushButton>
-
-#include <algorithm>
 
 namespace {
 
-const QString kTitle = QStringLiteral("操作提示");
-const QString kChosen = QStringLiteral("√");
-const QString kNotChosen = QStringLiteral("×");
-constexpr int kButtons = 4;
-constexpr int kButtonHeight = 375;
 // Columns: 0 cgkid, 1 选定, 2 ISBN, 3 书名, 4 著者, 5 版本版次, 6 价格, 7 预定册数,
 // 8 欠到册数, 9 补定册数
 constexpr int kMark = 1;
@@ -33,67 +23,13 @@ constexpr int kCount = 9;
 
 } // namespace
 
-YanShouBDD::YanShouBDD() : vb::Form(QStringLiteral("YanShouBDD")) {}
-
-vb::FlexGrid* YanShouBDD::Grid1() {
-    return ctl<vb::FlexGrid>(QStringLiteral("Grid1"));
-}
-
-QLineEdit* YanShouBDD::Text1() {
-    return ctl<QLineEdit>(QStringLiteral("Text1"));
-}
+YanShouBDD::YanShouBDD()
+    : MarkGridForm(QStringLiteral("YanShouBDD"), QStringLiteral("补定单浏览"),
+                   QStringLiteral("&B  补定"), QStringLiteral("补定"), {kMark, kCount, kShort}) {}
 
 void YanShouBDD::build(QWidget* w) {
-    w->setWindowTitle(QStringLiteral("补定单浏览"));
-    w->resize(vb::twips(11400), vb::twips(6600));
-
-    auto* grid = new vb::FlexGrid(w);
-    grid->setObjectName(QStringLiteral("Grid1"));
-    // The words of the acceptance grid, although the column edited here is 补定册数.
-    grid->setToolTip(QStringLiteral("<空格>选定、<Del>取消；<双击>或<回车>修改“验收册数”"));
-    grid->setGeometry(0, 0, vb::twips(11400), vb::twips(6000));
-
-    auto* editor = new QLineEdit(w);
-    editor->setObjectName(QStringLiteral("Text1"));
-    editor->setFocusPolicy(Qt::ClickFocus);
-    editor->hide();
-    connect(editor, &QLineEdit::textChanged, this, [this] { editFlag = true; });
-    vb::selectAllOnFocus(editor);
-    vb::onKeyPress(editor, [this](int& key) {
-        if (key == vb::vbKeyReturn) {
-            key = 0;
-            Grid1()->setFocus();
-        } else if (!YanShoufrm::keyAllowed(key)) {
-            key = 0;
-        }
-    });
-    vb::onLostFocus(editor, [this] { Text1_LostFocus(); });
-
-    const char16_t* captions[kButtons] = {u"&A  选择", u"&B  补定", u"&X  关闭", u"&C 取消选择"};
-    for (int i = 0; i < kButtons; ++i) {
-        auto* b = new QPushButton(QString::fromUtf16(captions[i]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), i));
-        b->setGeometry(vb::twips(360 + i * 1800), vb::twips(6120), vb::twips(1215),
-                       vb::twips(kButtonHeight));
-        connect(b, &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
-    }
-
-    connect(grid, &vb::FlexGrid::DblClick, this, [this] { editCellOpen(); });
-    connect(grid, &vb::FlexGrid::KeyDown, this, [this](int& key, int) {
-        if (key == vb::vbKeySpace)
-            Command1_Click(0);
-        else if (key == vb::vbKeyReturn)
-            editCellOpen();
-        else if (key == vb::vbKeyDelete)
-            Command1_Click(3);
-    });
-    connect(grid, &vb::FlexGrid::KeyPress, this, [this](int& key) {
-        if (key == vb::vbKeyReturn) editCellOpen();
-    });
-    connect(grid, &vb::FlexGrid::MouseDown, this, [this](int button, int, int, int) {
-        if (button == 2) menuAt();
-    });
-    connect(grid, &vb::FlexGrid::Scroll, this, [this] { Text1()->hide(); });
+    MarkGridForm::build(w);
+    vb::FlexGrid* grid = Grid1();
     // The selection spans the whole row here: no column decides what is edited.
     connect(grid, &vb::FlexGrid::RowColChange, this, [this] {
         if (!m_placing) highlightRow();
@@ -109,68 +45,6 @@ void YanShouBDD::highlightRow() {
     const int rowSel = g->RowSel();
     g->setCol(0);
     g->setRowSel(rowSel);
-    g->setColSel(g->Cols() - 1);
-}
-
-void YanShouBDD::onLoad() {
-    Move(0, 0);
-}
-
-void YanShouBDD::onResize() {
-    vb::resume([&] {
-        for (int i = 0; i < kButtons; ++i) {
-            auto* b = ctl<QPushButton>(QStringLiteral("Command1"), i);
-            b->move(b->x(), vb::twips(ScaleHeight() - kButtonHeight - 50));
-        }
-    });
-    vb::resume([&] { Grid1()->resize(vb::twips(ScaleWidth()), Grid1()->height()); });
-    vb::resume([&] {
-        const int top = vb::toTwips(ctl<QPushButton>(QStringLiteral("Command1_0"))->y());
-        Grid1()->resize(Grid1()->width(), std::max(0, vb::twips(top - 100)));
-    });
-    vb::resume([&] { gridFix(); });
-}
-
-void YanShouBDD::menuAt() {
-    Menu menu;
-    const int id =
-        menu.rightMenu({QStringLiteral("选择"), QStringLiteral("-"), QStringLiteral("修改"),
-                        QStringLiteral("-"), QStringLiteral("取消选择"), QStringLiteral("-"),
-                        QStringLiteral("补定"), QStringLiteral("-"), QStringLiteral("关闭")});
-    switch (id) {
-    case 1:
-        Command1_Click(0);
-        break;
-    case 3:
-        editCellOpen();
-        break;
-    case 5:
-        Command1_Click(3);
-        break;
-    case 7:
-        Command1_Click(1);
-        break;
-    case 9:
-        Command1_Click(2);
-        break;
-    default:
-        break;
-    }
-}
-
-void YanShouBDD::loadData(const QString& sql) {
-    vb::FlexGrid* g = Grid1();
-    {
-        adodb::Connection conn;
-        conn.Open(gConnStr);
-        adodb::Recordset rs;
-        rs.Open(sql, conn, adodb::adOpenDynamic, adodb::adLockOptimistic, adodb::adCmdText);
-        g->bind(rs);
-    }
-    gridFix();
-    g->setRowHeight(0, 350);
-    g->setRow(1);
-    g->setCol(0);
     g->setColSel(g->Cols() - 1);
 }
 
@@ -191,7 +65,7 @@ void YanShouBDD::Command1_Click(int index) {
         break;
     case 1:
         if (vb::MsgBox(QStringLiteral("是否确定补定所选书目？（Y/N）"),
-                       vb::vbYesNo + vb::vbInformation, kTitle) == vb::vbYes)
+                       vb::vbYesNo + vb::vbInformation, vb::kMsgTitle) == vb::vbYes)
             saveBuDing();
         break;
     case 2:
@@ -203,70 +77,19 @@ void YanShouBDD::Command1_Click(int index) {
     }
 }
 
-void YanShouBDD::selectRange() {
-    vb::FlexGrid* g = Grid1();
-    const auto [from, to] = YanShoufrm::range(g);
-    for (int r = from; r <= to; ++r) {
-        if (g->TextMatrix(r, kMark) != kNotChosen) continue;
-        g->setTextMatrix(r, kMark, kChosen);
-        g->setTextMatrix(r, kCount, g->TextMatrix(r, kShort));
-    }
-}
-
-void YanShouBDD::unselectRange() {
-    vb::FlexGrid* g = Grid1();
-    const auto [from, to] = YanShoufrm::range(g);
-    for (int r = from; r <= to; ++r) {
-        g->setTextMatrix(r, kMark, kNotChosen);
-        g->setTextMatrix(r, kCount, QStringLiteral("0"));
-    }
-}
-
 void YanShouBDD::editCellOpen() {
     vb::FlexGrid* g = Grid1();
     bool open = false;
-    vb::resume([&] {
-        const int row = g->Row();
-        open = !vb::Trim(g->TextMatrix(row, 0)).isEmpty() && row != 0 &&
-               g->TextMatrix(row, kMark) != kNotChosen;
-    });
+    vb::resume([&] { open = rowEditable(); });
     if (!open) return;
     // Whichever column was clicked, only 补定册数 is edited.
     m_placing = true;
     vb::resume([&] { g->setCol(kCount); });
-    QLineEdit* t = Text1();
-    vb::resume([&] {
-        const QRect cell = g->cellRect(g->Row(), kCount);
-        t->setGeometry(g->x() + cell.x(), g->y() + cell.y() + vb::twips(10),
-                       vb::twips(g->CellWidth() - 30), vb::twips(g->CellHeight() - 50));
-    });
-    vb::resume([&] { t->setText(g->TextMatrix(g->Row(), kCount)); });
-    vb::resume([&] {
-        t->show();
-        t->raise();
-        t->setFocus();
-    });
+    openEditor(kCount);
     m_placing = false;
     editFlag = false;
     editCell[0] = static_cast<int16_t>(g->Row());
     editCell[1] = kCount;
-}
-
-void YanShouBDD::Text1_LostFocus() {
-    if (!isLoaded()) return; // the window is going: no edit to keep
-    QLineEdit* t = Text1();
-    t->hide();
-    const QString plain = YanShoufrm::plainNumber(t->text());
-    if (plain != t->text()) t->setText(plain);
-    vb::FlexGrid* g = Grid1();
-    if (editFlag) {
-        const QString text = t->text();
-        g->setTextMatrix(editCell[0], editCell[1], text);
-        if (text == QStringLiteral("0")) g->setTextMatrix(editCell[0], kMark, kNotChosen);
-        t->clear();
-    }
-    highlightRow();
-    g->setFocus();
 }
 
 int16_t YanShouBDD::newCgkId() {
@@ -325,7 +148,7 @@ void YanShouBDD::saveBuDing() {
         if (!trapped) throw;
         tx.rollback();
         // No totals; the grid stays as far as the walk had come.
-        vb::MsgBox(QStringLiteral("补定单操作失败，取消该操作。"), vb::vbCritical, kTitle);
+        vb::MsgBox(QStringLiteral("补定单操作失败，取消该操作。"), vb::vbCritical, vb::kMsgTitle);
         return;
     }
     if (kinds != 0)

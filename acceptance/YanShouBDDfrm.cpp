@@ -4,6 +4,7 @@
 #include "data/globals.h"
 #include "platform/adodb.h"
 #include "platform/events.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 #include "supplier/gysListfrm.h"
@@ -14,7 +15,6 @@
 #include <QStyle>
 
 namespace {
-const QString kTitle = QStringLiteral("操作提示");
 const QString kShort = QStringLiteral(" Where status=1 And bookcount>yscount");
 
 QString doubled(const QString& s) {
@@ -36,34 +36,22 @@ void YanShouBDDfrm::build(QWidget* w) {
     const int lengths[2] = {20, 30};
     for (int i = 0; i < 2; ++i) {
         const int top = 300 + i * 480;
-        auto* label = new QLabel(QString::fromUtf16(labels[i]), w);
-        label->setObjectName(vb::ctlName(QStringLiteral("Label1"), i));
-        label->setGeometry(vb::twips(360), vb::twips(top + 45), vb::twips(1080), vb::twips(255));
-        auto* t = new QLineEdit(w);
-        t->setObjectName(vb::ctlName(QStringLiteral("Text1"), i));
+        vb::label(w, vb::ctlName(QStringLiteral("Label1"), i), QString::fromUtf16(labels[i]), 360,
+                  top + 45, 1080, 255);
+        auto* t = vb::control<QLineEdit>(w, vb::ctlName(QStringLiteral("Text1"), i), 1440, top,
+                                         3000, 315);
         t->setMaxLength(lengths[i]);
-        t->setGeometry(vb::twips(1440), vb::twips(top), vb::twips(3000), vb::twips(315));
         vb::selectAllOnFocus(t);
         vb::enterAsTab(t);
-        vb::onLostFocus(t, [t] {
-            const QString trimmed = vb::Trim(t->text());
-            if (trimmed != t->text()) t->setText(trimmed);
-        });
-        auto* pick = new QPushButton(w);
-        pick->setObjectName(vb::ctlName(QStringLiteral("Command2"), i));
+        vb::onLostFocus(t, [t] { vb::trimText(t); });
+        auto* pick = vb::commandButton(w, vb::ctlName(QStringLiteral("Command2"), i), QString(),
+                                       4440, top, 315, 315, this, [this, i] { Command2_Click(i); });
         pick->setToolTip(QString::fromUtf16(tips[i]));
         pick->setIcon(w->style()->standardIcon(QStyle::SP_ArrowDown));
-        pick->setGeometry(vb::twips(4440), vb::twips(top), vb::twips(315), vb::twips(315));
-        connect(pick, &QPushButton::clicked, this, [this, i] { Command2_Click(i); });
     }
-    const char16_t* captions[2] = {u"&A  确定", u"&X  取消"};
-    for (int i = 0; i < 2; ++i) {
-        auto* b = new QPushButton(QString::fromUtf16(captions[i]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), i));
-        b->setGeometry(vb::twips(1080 + i * 1800), vb::twips(1500), vb::twips(1215),
-                       vb::twips(375));
-        connect(b, &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
-    }
+    const char16_t* const captions[2] = {u"&A  确定", u"&X  取消"};
+    vb::buttonRow(w, QStringLiteral("Command1"), captions, {1080, 1800, 1500, 1215, 375}, this,
+                  [this](int i) { Command1_Click(i); });
 }
 
 void YanShouBDDfrm::Command2_Click(int index) {
@@ -88,7 +76,7 @@ void YanShouBDDfrm::Command1_Click(int index) {
         return;
     }
     if (Text1(0)->text().isEmpty() && Text1(1)->text().isEmpty()) {
-        vb::MsgBox(QStringLiteral("无效补定条件，取消该操作。"), vb::vbCritical, kTitle);
+        vb::MsgBox(QStringLiteral("无效补定条件，取消该操作。"), vb::vbCritical, vb::kMsgTitle);
         Text1(0)->setFocus();
         return;
     }
@@ -109,7 +97,7 @@ bool YanShouBDDfrm::openBuDingGrid() {
                 adodb::adLockOptimistic, adodb::adCmdText);
         if (rs.EOF_()) {
             vb::MsgBox(QStringLiteral("没有符合该条件的书目欠到，不需要补定单。"), vb::vbCritical,
-                       kTitle);
+                       vb::kMsgTitle);
             return false;
         }
     }

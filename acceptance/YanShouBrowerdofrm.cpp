@@ -7,6 +7,7 @@
 #include "platform/errors.h"
 #include "platform/events.h"
 #include "platform/flexgrid.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 #include "purchase/caigouRules.h"
@@ -20,7 +21,6 @@
 
 namespace {
 
-const QString kTitle = QStringLiteral("操作提示");
 const QString kAskSave = QStringLiteral("该采购验收已经发生修改，是否保存修改？");
 const QString kEmptyCaption = QStringLiteral("验收明细资料--空");
 
@@ -42,10 +42,6 @@ constexpr Field kField[YanShouBrowerdofrm::kFields] = {
 };
 
 const char16_t* const kLabel2Empty[3] = {u"预定日期", u"验收日期", u"验 收 员"};
-
-void place(QWidget* c, int left, int top, int width, int height) {
-    c->setGeometry(vb::twips(left), vb::twips(top), vb::twips(width), vb::twips(height));
-}
 
 YanShouBrowerfrm& browser() {
     return vb::form<YanShouBrowerfrm>();
@@ -87,14 +83,12 @@ void YanShouBrowerdofrm::build(QWidget* w) {
         const int row = i < 7 ? i : i - 7;
         const int x = 120 + column * 4620;
         const int y = 150 + row * rowH;
-        auto* label = new QLabel(QString::fromUtf16(kField[i].label), w);
-        label->setObjectName(vb::ctlName(QStringLiteral("Label1"), i));
+        auto* label = vb::label(w, vb::ctlName(QStringLiteral("Label1"), i),
+                                QString::fromUtf16(kField[i].label), x, y, labelW, fieldH);
         label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        place(label, x, y, labelW, fieldH);
-        auto* t = new QLineEdit(w);
-        t->setObjectName(vb::ctlName(QStringLiteral("Text1"), i));
+        auto* t = vb::control<QLineEdit>(w, vb::ctlName(QStringLiteral("Text1"), i),
+                                         x + labelW + 60, y, 3300, fieldH);
         if (kField[i].maxLen > 0) t->setMaxLength(kField[i].maxLen);
-        place(t, x + labelW + 60, y, 3300, fieldH);
         connect(t, &QLineEdit::textChanged, this, [this, i] { Text1_Change(i); });
         vb::enterAsTab(t);
         vb::selectAllOnFocus(t);
@@ -105,35 +99,24 @@ void YanShouBrowerdofrm::build(QWidget* w) {
         });
     }
     // The record's fixed data, under the right column.
-    for (int k = 0; k < 3; ++k) {
-        auto* l = new QLabel(QString::fromUtf16(kLabel2Empty[k]), w);
-        l->setObjectName(vb::ctlName(QStringLiteral("Label2"), k));
-        place(l, 4740 + 1160, 150 + (6 + k) * rowH, 3300, fieldH);
-    }
+    for (int k = 0; k < 3; ++k)
+        vb::label(w, vb::ctlName(QStringLiteral("Label2"), k), QString::fromUtf16(kLabel2Empty[k]),
+                  4740 + 1160, 150 + (6 + k) * rowH, 3300, fieldH);
 
-    const struct {
-        const char16_t* caption;
-        const char16_t* hint;
-    } arrows[4] = {{u"|<", u"第一条记录(Alt+F)"},
-                   {u"<<", u"向前一条记录(Alt+P)"},
-                   {u">>", u"向后一条记录(Alt+N)"},
-                   {u">|", u"最后一条记录(Alt+L)"}};
+    const char16_t* const arrows[4] = {u"|<", u"<<", u">>", u">|"};
+    const char16_t* const hints[4] = {u"第一条记录(Alt+F)", u"向前一条记录(Alt+P)",
+                                      u"向后一条记录(Alt+N)", u"最后一条记录(Alt+L)"};
     const int buttonsTop = 150 + 9 * rowH + 60;
+    const auto moves =
+        vb::buttonRow(w, QStringLiteral("Command1"), arrows, {240, 500, buttonsTop, 450, 400}, this,
+                      [this](int k) { Command1_Click(k); });
     for (int k = 0; k < 4; ++k) {
-        auto* b = new QPushButton(QString::fromUtf16(arrows[k].caption), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), k));
-        b->setToolTip(QString::fromUtf16(arrows[k].hint));
-        b->setFocusPolicy(Qt::TabFocus);
-        place(b, 240 + k * 500, buttonsTop, 450, 400);
-        connect(b, &QPushButton::clicked, this, [this, k] { Command1_Click(k); });
+        moves[k]->setToolTip(QString::fromUtf16(hints[k]));
+        moves[k]->setFocusPolicy(Qt::TabFocus);
     }
     const char16_t* const commands[2] = {u"&S   保存", u"&X   关闭"};
-    for (int k = 0; k < 2; ++k) {
-        auto* b = new QPushButton(QString::fromUtf16(commands[k]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command2"), k));
-        place(b, 6600 + k * 1300, buttonsTop, 1200, 400);
-        connect(b, &QPushButton::clicked, this, [this, k] { Command2_Click(k); });
-    }
+    vb::buttonRow(w, QStringLiteral("Command2"), commands, {6600, 1300, buttonsTop, 1200, 400},
+                  this, [this](int k) { Command2_Click(k); });
     Command2(0)->setEnabled(false);
 }
 
@@ -202,8 +185,7 @@ void YanShouBrowerdofrm::focusBack(int index) {
 void YanShouBrowerdofrm::Text1_LostFocus(int index) {
     if (m_state != kShown) return;
     QLineEdit* t = Text1(index);
-    const QString trimmed = vb::Trim(t->text());
-    if (trimmed != t->text()) t->setText(trimmed);
+    const QString trimmed = vb::trimText(t);
     if (trimmed.isEmpty()) return;
     switch (index) {
     case 3:
@@ -213,7 +195,7 @@ void YanShouBrowerdofrm::Text1_LostFocus(int index) {
     case 9:
     case 10:
         if (!vb::IsNumeric(trimmed)) {
-            vb::MsgBox(QStringLiteral("无效数字格式，取消该操作。"), vb::vbCritical, kTitle);
+            vb::MsgBox(QStringLiteral("无效数字格式，取消该操作。"), vb::vbCritical, vb::kMsgTitle);
             t->clear();
             focusBack(index);
         } else {
@@ -248,7 +230,7 @@ void YanShouBrowerdofrm::isbnRule(QLineEdit* t) {
     if (verdict != QStringLiteral("yes") &&
         vb::MsgBox(verdict + QStringLiteral("\r\n") +
                        QStringLiteral("是否使用该错误的ISBN号？(y/n)"),
-                   vb::vbYesNo + vb::vbInformation, kTitle) != vb::vbYes) {
+                   vb::vbYesNo + vb::vbInformation, vb::kMsgTitle) != vb::vbYes) {
         t->clear();
         focusBack(3);
         return;
@@ -277,7 +259,7 @@ bool YanShouBrowerdofrm::checkInput() {
     };
     for (const auto& q : required) {
         if (!Text1(q.index)->text().isEmpty()) continue;
-        vb::MsgBox(QString::fromUtf16(q.text), vb::vbCritical, kTitle);
+        vb::MsgBox(QString::fromUtf16(q.text), vb::vbCritical, vb::kMsgTitle);
         Text1(q.index)->setFocus(Qt::OtherFocusReason);
         return false;
     }
@@ -317,7 +299,7 @@ void YanShouBrowerdofrm::save() {
 
 bool YanShouBrowerdofrm::settleChanges() {
     if (!anyFieldChanged()) return true;
-    if (vb::MsgBox(kAskSave, vb::vbYesNo + vb::vbInformation, kTitle) == vb::vbYes) {
+    if (vb::MsgBox(kAskSave, vb::vbYesNo + vb::vbInformation, vb::kMsgTitle) == vb::vbYes) {
         if (!checkInput()) return false;
         save();
     } else {

@@ -7,6 +7,7 @@
 #include "platform/errors.h"
 #include "platform/events.h"
 #include "platform/flexgrid.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 #include "query/Findfrm.h"
@@ -19,7 +20,6 @@
 
 namespace {
 
-const QString kTitle = QStringLiteral("操作提示");
 constexpr int kButtons = 4;
 constexpr int kButtonWidth = 1215;
 constexpr int kButtonHeight = 375;
@@ -43,7 +43,7 @@ QString shapedProfile() {
 // counts as an empty one.
 template <class Report>
 void showShaped(const QString& paperMessage, const QString& select, bool landscape) {
-    vb::resume([&] { vb::MsgBox(paperMessage, vb::vbInformation, kTitle); });
+    vb::resume([&] { vb::MsgBox(paperMessage, vb::vbInformation, vb::kMsgTitle); });
     auto rs = std::make_shared<adodb::Recordset>();
     vb::resume([&] {
         adodb::Connection conn;
@@ -55,8 +55,9 @@ void showShaped(const QString& paperMessage, const QString& select, bool landsca
     bool empty = true;
     vb::resume([&] { empty = !rs->isOpen() || rs->EOF_(); });
     if (empty) {
-        vb::resume(
-            [&] { vb::MsgBox(QStringLiteral("没有符合条件的记录！"), vb::vbInformation, kTitle); });
+        vb::resume([&] {
+            vb::MsgBox(QStringLiteral("没有符合条件的记录！"), vb::vbInformation, vb::kMsgTitle);
+        });
         return;
     }
     vb::resume([&] {
@@ -84,20 +85,14 @@ void YanShouBrowerfrm::build(QWidget* w) {
     w->setWindowTitle(QStringLiteral("验收查询浏览"));
     w->resize(vb::twips(10530), vb::twips(6360));
 
-    auto* grid = new vb::FlexGrid(w);
-    grid->setObjectName(QStringLiteral("Grid1"));
+    auto* grid = vb::control<vb::FlexGrid>(w, QStringLiteral("Grid1"), 0, 0, 10530, 5400);
     // cgkID stands in column 0, hidden; it is data, not a row header.
     grid->setFixedCols(0);
     grid->setToolTip(QStringLiteral("<双击>或<回车>“显示明细”"));
-    grid->setGeometry(0, 0, vb::twips(10530), vb::twips(5400));
 
-    for (int i = 0; i < kButtons; ++i) {
-        auto* b = new QPushButton(QString::fromUtf16(kCaptions[i]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), i));
-        b->setGeometry(vb::twips(240 + i * 1680), vb::twips(5500), vb::twips(kButtonWidth),
-                       vb::twips(kButtonHeight));
-        connect(b, &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
-    }
+    vb::buttonRow(w, QStringLiteral("Command1"), kCaptions,
+                  {240, 1680, 5500, kButtonWidth, kButtonHeight}, this,
+                  [this](int i) { Command1_Click(i); });
 
     connect(grid, &vb::FlexGrid::DblClick, this, [this] { showDetail(); });
     connect(grid, &vb::FlexGrid::KeyDown, this, [this](int& key, int) {
@@ -127,10 +122,7 @@ void YanShouBrowerfrm::onLoad() {
 void YanShouBrowerfrm::onResize() {
     vb::resume([&] {
         const int top = ScaleHeight() - kButtonHeight - 50;
-        for (int i = 0; i < kButtons; ++i) {
-            QWidget* b = ctl<QPushButton>(QStringLiteral("Command1"), i);
-            b->move(b->x(), vb::twips(top));
-        }
+        vb::moveRowTo(*this, QStringLiteral("Command1"), kButtons, top);
         vb::FlexGrid* grid = Grid1();
         grid->setGeometry(0, grid->y(), vb::twips(ScaleWidth()),
                           std::max(0, vb::twips(top - 100) - grid->y()));

@@ -5,6 +5,7 @@
 #include "platform/adodb.h"
 #include "platform/errors.h"
 #include "platform/events.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 #include "supplier/gysListfrm.h"
@@ -15,7 +16,6 @@
 #include <QStyle>
 
 namespace {
-const QString kTitle = QStringLiteral("操作提示");
 
 QString doubled(const QString& s) {
     return vb::Replace(s, QStringLiteral("'"), QStringLiteral("''"));
@@ -32,37 +32,22 @@ void YanShoudofrm::build(QWidget* w) {
     w->setWindowTitle(QStringLiteral("采购验收"));
     w->resize(vb::twips(5160), vb::twips(1980));
 
-    auto* label = new QLabel(QStringLiteral("请输入采购来源："), w);
-    label->setObjectName(QStringLiteral("Label1"));
-    label->setGeometry(vb::twips(240), vb::twips(345), vb::twips(1560), vb::twips(255));
+    vb::label(w, QStringLiteral("Label1"), QStringLiteral("请输入采购来源："), 240, 345, 1560, 255);
 
-    auto* text = new QLineEdit(w);
-    text->setObjectName(QStringLiteral("Text1"));
+    auto* text = vb::control<QLineEdit>(w, QStringLiteral("Text1"), 1800, 300, 2640, 315);
     text->setMaxLength(30);
-    text->setGeometry(vb::twips(1800), vb::twips(300), vb::twips(2640), vb::twips(315));
     vb::selectAllOnFocus(text);
     vb::enterAsTab(text);
-    vb::onLostFocus(text, [text] {
-        QLineEdit* t = text;
-        const QString trimmed = vb::Trim(t->text());
-        if (trimmed != t->text()) t->setText(trimmed);
-    });
+    vb::onLostFocus(text, [text] { vb::trimText(text); });
 
-    auto* pick = new QPushButton(w);
-    pick->setObjectName(QStringLiteral("Command2"));
+    auto* pick = vb::commandButton(w, QStringLiteral("Command2"), QString(), 4440, 300, 315, 315,
+                                   this, [this] { Command2_Click(); });
     pick->setToolTip(QStringLiteral("检索“采购来源”"));
     pick->setIcon(w->style()->standardIcon(QStyle::SP_ArrowDown));
-    pick->setGeometry(vb::twips(4440), vb::twips(300), vb::twips(315), vb::twips(315));
-    connect(pick, &QPushButton::clicked, this, [this] { Command2_Click(); });
 
-    const char16_t* captions[2] = {u"&A  确定", u"&X  取消"};
-    for (int i = 0; i < 2; ++i) {
-        auto* b = new QPushButton(QString::fromUtf16(captions[i]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), i));
-        b->setGeometry(vb::twips(1080 + i * 1800), vb::twips(1080), vb::twips(1215),
-                       vb::twips(375));
-        connect(b, &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
-    }
+    const char16_t* const captions[2] = {u"&A  确定", u"&X  取消"};
+    vb::buttonRow(w, QStringLiteral("Command1"), captions, {1080, 1800, 1080, 1215, 375}, this,
+                  [this](int i) { Command1_Click(i); });
 }
 
 void YanShoudofrm::Command2_Click() {
@@ -83,7 +68,7 @@ void YanShoudofrm::Command1_Click(int index) {
         return;
     }
     if (Text1()->text().isEmpty()) {
-        vb::MsgBox(QStringLiteral("请输入'采购来源'以便验收。"), vb::vbCritical, kTitle);
+        vb::MsgBox(QStringLiteral("请输入'采购来源'以便验收。"), vb::vbCritical, vb::kMsgTitle);
         Text1()->setFocus();
         return;
     }
@@ -105,7 +90,7 @@ bool YanShoudofrm::openYanShouGrid() {
         rs.Open(sql, conn, adodb::adOpenDynamic, adodb::adLockOptimistic, adodb::adCmdText);
         if (rs.EOF_()) {
             vb::MsgBox(QStringLiteral("没有符合该条件的采购预定资料存在,取消该操作。"),
-                       vb::vbInformation, kTitle);
+                       vb::vbInformation, vb::kMsgTitle);
             return false;
         }
     }

@@ -2,6 +2,7 @@
 
 #include "card/carddriver.h"
 #include "card/marcreader.h"
+#include "platform/formkit.h"
 
 #include <QFrame>
 #include <QHBoxLayout>
@@ -79,10 +80,10 @@ void frmMarcKaPian::build(QWidget* w) {
     auto* row = new QHBoxLayout;
     row->addStretch(1);
     for (int i = 0; i < 4; ++i) {
-        auto* b = new QPushButton(QString::fromUtf16(buttons[i].caption), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("cmdclick"), i));
+        auto* b = vb::commandButton(w, vb::ctlName(QStringLiteral("cmdclick"), i),
+                                    QString::fromUtf16(buttons[i].caption), this,
+                                    [this, i] { cmdclick_Click(i); });
         b->setProperty("Tag", QString::fromUtf16(buttons[i].tag));
-        QObject::connect(b, &QPushButton::clicked, this, [this, i] { cmdclick_Click(i); });
         row->addWidget(b);
     }
     layout->addLayout(row);

@@ -2,6 +2,7 @@
 
 #include "platform/errors.h"
 #include "platform/flexgrid.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 
 #include <QFont>
@@ -11,30 +12,19 @@
 namespace {
 
 const QString kCaption = QStringLiteral("《中国图书馆分类法》（第四版）");
-const QString kTitle = QStringLiteral("操作提示");
 // Width of the text column: the main class names are short, the second-level ones long.
 constexpr int kGrid1TextWidth = 4100;
 constexpr int kGrid2TextWidth = 6800;
 // The runtime's error for a file that exists but cannot be opened.
 constexpr int kPathFileAccess = 75;
 
-QLabel* makeLabel(QWidget* parent, const QString& name, const QString& text, int left, int top,
-                  int width, int height) {
-    auto* l = new QLabel(text, parent);
-    l->setObjectName(name);
-    l->setGeometry(vb::twips(left), vb::twips(top), vb::twips(width), vb::twips(height));
-    return l;
-}
-
 vb::FlexGrid* makeGrid(QWidget* parent, const QString& name, int left, int top, int width,
                        int height) {
-    auto* g = new vb::FlexGrid(parent);
-    g->setObjectName(name);
+    auto* g = vb::control<vb::FlexGrid>(parent, name, left, top, width, height);
     g->setFixedRows(0);
     g->setFixedCols(0);
     g->setCols(2);
     g->setRows(1);
-    g->setGeometry(vb::twips(left), vb::twips(top), vb::twips(width), vb::twips(height));
     return g;
 }
 
@@ -46,19 +36,17 @@ void fenleihelp::build(QWidget* w) {
     w->setWindowTitle(kCaption);
     w->resize(vb::twips(12660), vb::twips(8280));
 
-    auto* frame = new QGroupBox(w);
-    frame->setObjectName(QStringLiteral("Frame1"));
-    frame->setGeometry(vb::twips(120), vb::twips(60), vb::twips(12420), vb::twips(8100));
+    auto* frame = vb::control<QGroupBox>(w, QStringLiteral("Frame1"), 120, 60, 12420, 8100);
 
-    auto* title = makeLabel(frame, QStringLiteral("Label1"), kCaption, 240, 240, 11940, 480);
+    auto* title = vb::label(frame, QStringLiteral("Label1"), kCaption, 240, 240, 11940, 480);
     title->setAlignment(Qt::AlignCenter);
     QFont big = title->font();
     big.setPointSize(big.pointSize() + 5);
     big.setBold(true);
     title->setFont(big);
 
-    makeLabel(frame, QStringLiteral("Label2"), QStringLiteral("二十二大类目"), 240, 840, 4500, 300);
-    makeLabel(frame, QStringLiteral("Label3"), QStringLiteral("相应类目二级以上简表"), 4980, 840,
+    vb::label(frame, QStringLiteral("Label2"), QStringLiteral("二十二大类目"), 240, 840, 4500, 300);
+    vb::label(frame, QStringLiteral("Label3"), QStringLiteral("相应类目二级以上简表"), 4980, 840,
               7200, 300);
 
     auto* g1 = makeGrid(frame, QStringLiteral("Grid1"), 240, 1200, 4500, 6660);
@@ -109,7 +97,7 @@ bool fenleihelp::checkRead(classify::ReadStatus status, const QString& path) {
     case classify::ReadStatus::Ok:
         return true;
     case classify::ReadStatus::Missing:
-        vb::MsgBox(classify::missingMessage(path), vb::vbInformation, kTitle);
+        vb::MsgBox(classify::missingMessage(path), vb::vbInformation, vb::kMsgTitle);
         return false;
     case classify::ReadStatus::Unreadable:
         // Only a missing file is caught; one that is there but cannot be opened fails

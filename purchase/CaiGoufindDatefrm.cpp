@@ -4,6 +4,7 @@
 #include "platform/adodb.h"
 #include "platform/errors.h"
 #include "platform/events.h"
+#include "platform/formkit.h"
 #include "platform/maskedbox.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
@@ -12,16 +13,6 @@
 
 #include <QLabel>
 #include <QPushButton>
-
-namespace {
-
-const QString kTitle = QStringLiteral("操作提示");
-
-void place(QWidget* c, int left, int top, int width, int height) {
-    c->setGeometry(vb::twips(left), vb::twips(top), vb::twips(width), vb::twips(height));
-}
-
-} // namespace
 
 CaiGoufindDatefrm::CaiGoufindDatefrm() : vb::Form(QStringLiteral("CaiGoufindDatefrm")) {}
 
@@ -40,42 +31,34 @@ void CaiGoufindDatefrm::build(QWidget* w) {
     w->setWindowTitle(QStringLiteral("采购打印（按日期）"));
     w->setFixedSize(vb::twips(4800), vb::twips(2160));
 
-    auto* label1 = new QLabel(QStringLiteral("请输入需打印日期："), w);
-    label1->setObjectName(QStringLiteral("Label1"));
-    place(label1, 360, 240, 3600, 285);
-    auto* label2 = new QLabel(QStringLiteral("-"), w);
-    label2->setObjectName(QStringLiteral("Label2"));
-    label2->setAlignment(Qt::AlignCenter);
-    place(label2, 2115, 660, 300, 285);
+    vb::label(w, QStringLiteral("Label1"), QStringLiteral("请输入需打印日期："), 360, 240, 3600,
+              285);
+    vb::label(w, QStringLiteral("Label2"), QStringLiteral("-"), 2115, 660, 300, 285)
+        ->setAlignment(Qt::AlignCenter);
 
     for (int i = 0; i < 2; ++i) {
-        auto* d = new vb::MaskEdBox(w);
-        d->setObjectName(vb::ctlName(QStringLiteral("lDate"), i));
+        auto* d = vb::control<vb::MaskEdBox>(w, vb::ctlName(QStringLiteral("lDate"), i),
+                                             360 + i * 2055, 600, 1695, 345);
         d->setMask(QStringLiteral("####-##-##"));
         d->setPromptChar(u' ');
         // The first box takes the focus as the window comes up, which selects nothing: the
         // cursor must stand at the first place, not behind the mask, for typing to go in.
         d->setCursorPosition(0);
-        place(d, 360 + i * 2055, 600, 1695, 345);
         vb::selectAllOnFocus(d);
         vb::enterAsTab(d);
         vb::onLostFocus(d, [this, i] { lDate_LostFocus(i); });
     }
 
     const char16_t* const captions[2] = {u"&A  确定", u"&X  取消"};
-    for (int i = 0; i < 2; ++i) {
-        auto* b = new QPushButton(QString::fromUtf16(captions[i]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), i));
-        place(b, 720 + i * 1920, 1380, 1215, 375);
-        connect(b, &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
-    }
+    vb::buttonRow(w, QStringLiteral("Command1"), captions, {720, 1920, 1380, 1215, 375}, this,
+                  [this](int i) { Command1_Click(i); });
 }
 
 void CaiGoufindDatefrm::lDate_LostFocus(int index) {
     vb::MaskEdBox* d = lDate(index);
     // A box left half filled is no date either: it goes back to empty.
     if (d->Text() == emptyDate() || vb::IsDate(d->Text())) return;
-    vb::MsgBox(QStringLiteral("无效日期时间格式，取消该操作。"), vb::vbCritical, kTitle);
+    vb::MsgBox(QStringLiteral("无效日期时间格式，取消该操作。"), vb::vbCritical, vb::kMsgTitle);
     d->setTextVb(emptyDate());
     d->setFocus(Qt::OtherFocusReason);
 }
@@ -95,7 +78,7 @@ void CaiGoufindDatefrm::printSpan() {
         for (int i = 0; i < 2; ++i) {
             if (lDate(i)->Text() == emptyDate()) {
                 vb::MsgBox(QStringLiteral("请输入打印查找日期，取消该操作。"), vb::vbCritical,
-                           kTitle);
+                           vb::kMsgTitle);
                 lDate(i)->setFocus(Qt::OtherFocusReason);
                 return;
             }
@@ -120,5 +103,5 @@ void CaiGoufindDatefrm::printSpan() {
     // Also what went wrong while the report was read and shown, which was passed over there.
     if (vb::Err().Number != 0)
         vb::MsgBox(QStringLiteral("操作过程出现错误，错误原因如下：\r\n") + vb::Err().Description,
-                   vb::vbInformation, kTitle);
+                   vb::vbInformation, vb::kMsgTitle);
 }

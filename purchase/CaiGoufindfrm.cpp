@@ -6,6 +6,7 @@
 #include "platform/errors.h"
 #include "platform/events.h"
 #include "platform/flexgrid.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "purchase/CaiGouprintfrm.h"
 #include "query/Findfrm.h"
@@ -16,8 +17,6 @@
 #include <cmath>
 
 namespace {
-
-const QString kTitle = QStringLiteral("操作提示");
 
 // Design size of the form and of its buttons, in twips.
 constexpr int kFormWidth = 11760;
@@ -53,18 +52,13 @@ void CaiGoufindfrm::build(QWidget* w) {
     w->resize(vb::twips(kFormWidth), vb::twips(kFormHeight));
 
     const int buttonsTop = kFormHeight - kButtonsFromBottom;
-    auto* grid = new vb::FlexGrid(w);
-    grid->setObjectName(QStringLiteral("Grid1"));
+    auto* grid = vb::control<vb::FlexGrid>(w, QStringLiteral("Grid1"), 0, 0, kFormWidth,
+                                           buttonsTop - kGridGap);
     grid->setFixedCols(0);
-    grid->setGeometry(0, 0, vb::twips(kFormWidth), vb::twips(buttonsTop - kGridGap));
 
-    for (int i = 0; i < 4; ++i) {
-        auto* b = new QPushButton(QString::fromUtf16(kCaptions[i]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), i));
-        b->setGeometry(vb::twips(240 + i * 1560), vb::twips(buttonsTop), vb::twips(kButtonWidth),
-                       vb::twips(kButtonHeight));
-        connect(b, &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
-    }
+    vb::buttonRow(w, QStringLiteral("Command1"), kCaptions,
+                  {240, 1560, buttonsTop, kButtonWidth, kButtonHeight}, this,
+                  [this](int i) { Command1_Click(i); });
 
     connect(grid, &vb::FlexGrid::KeyDown, this, [this](int& key, int) {
         if (key == vb::vbKeyDelete) Command1_Click(1);
@@ -100,7 +94,7 @@ void CaiGoufindfrm::onLoad() {
 void CaiGoufindfrm::onResize() {
     vb::resume([&] {
         const int top = ScaleHeight() - kButtonsFromBottom;
-        for (int i = 0; i < 4; ++i) Command1(i)->move(Command1(i)->x(), vb::twips(top));
+        vb::moveRowTo(*this, QStringLiteral("Command1"), 4, top);
         Grid1()->setGeometry(0, 0, vb::twips(ScaleWidth()), std::max(0, vb::twips(top - kGridGap)));
         gridFix();
     });
@@ -177,7 +171,7 @@ void CaiGoufindfrm::deleteRows() {
     if (g->TextMatrix(row, 0).isEmpty() && g->TextMatrix(rowSel, 0).isEmpty()) return;
     if (vb::MsgBox(QStringLiteral("    是否确定删除所选采购资料？\r\n"
                                   "该操作将永久删除记录，是否继续？(Y/N)  "),
-                   vb::vbYesNo + vb::vbCritical, kTitle) == vb::vbNo)
+                   vb::vbYesNo + vb::vbCritical, vb::kMsgTitle) == vb::vbNo)
         return;
 
     adodb::Connection conn;

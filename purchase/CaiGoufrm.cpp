@@ -4,6 +4,7 @@
 #include "platform/adodb.h"
 #include "platform/errors.h"
 #include "platform/events.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 #include "purchase/CaiGoufindfrm.h"
@@ -22,8 +23,6 @@
 
 namespace {
 
-const QString kTitle = QStringLiteral("操作提示");
-
 // The fields with a pick list, by cList index, and what each list offers.
 constexpr int kListField[5] = {0, 10, 12, 13, 15};
 const char16_t* const kListSql[5] = {
@@ -39,11 +38,6 @@ int listIndexOf(int field) {
     for (int k = 0; k < 5; ++k)
         if (kListField[k] == field) return k;
     return -1;
-}
-
-// Geometry in twips, as the form was laid out.
-void place(QWidget* c, int left, int top, int width, int height) {
-    c->setGeometry(vb::twips(left), vb::twips(top), vb::twips(width), vb::twips(height));
 }
 
 } // namespace
@@ -63,21 +57,20 @@ void CaiGoufrm::build(QWidget* w) {
         const int row = i < 10 ? i : i - 10;
         const int x = 150 + column * 5900;
         const int y = 180 + row * rowH;
-        auto* label = new QLabel(caigou::fieldLabel(i), w);
-        label->setObjectName(vb::ctlName(QStringLiteral("Label1"), i));
+        auto* label = vb::label(w, vb::ctlName(QStringLiteral("Label1"), i), caigou::fieldLabel(i),
+                                x, y, labelW, fieldH);
         label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        place(label, x, y, labelW, fieldH);
-        auto* t = new QLineEdit(w);
-        t->setObjectName(vb::ctlName(QStringLiteral("Text1"), i));
-        if (caigou::maxLength(i) > 0) t->setMaxLength(caigou::maxLength(i));
         const bool hasList = listIndexOf(i) >= 0;
-        place(t, x + labelW + 60, y, hasList ? fieldW - 300 : fieldW, fieldH);
+        auto* t =
+            vb::control<QLineEdit>(w, vb::ctlName(QStringLiteral("Text1"), i), x + labelW + 60, y,
+                                   hasList ? fieldW - 300 : fieldW, fieldH);
+        if (caigou::maxLength(i) > 0) t->setMaxLength(caigou::maxLength(i));
         if (hasList) {
-            auto* b = new QToolButton(w);
-            b->setObjectName(vb::ctlName(QStringLiteral("cList"), listIndexOf(i)));
+            auto* b =
+                vb::control<QToolButton>(w, vb::ctlName(QStringLiteral("cList"), listIndexOf(i)),
+                                         x + labelW + 60 + fieldW - 300, y, 300, fieldH);
             b->setArrowType(Qt::DownArrow);
             b->setFocusPolicy(Qt::NoFocus);
-            place(b, x + labelW + 60 + fieldW - 300, y, 300, fieldH);
             const int k = listIndexOf(i);
             connect(b, &QToolButton::clicked, this, [this, k] { cList_Click(k); });
         }
@@ -89,42 +82,33 @@ void CaiGoufrm::build(QWidget* w) {
         vb::onLostFocus(t, [this, i] { Text1_LostFocus(i); });
         t->installEventFilter(this); // input-method text is typing too
     }
-    auto* check = new QCheckBox(QStringLiteral("验收否"), w);
-    check->setObjectName(QStringLiteral("Check1"));
+    auto* check = vb::place(new QCheckBox(QStringLiteral("验收否"), w), QStringLiteral("Check1"),
+                            150 + 5900 + labelW + 60, 180 + 9 * rowH, 1500, fieldH);
     check->setEnabled(false);
-    place(check, 150 + 5900 + labelW + 60, 180 + 9 * rowH, 1500, fieldH);
 
-    const struct {
-        const char16_t* caption;
-        const char16_t* hint;
-    } arrows[4] = {{u"|<", u"第一条(Alt+F)"},
-                   {u"<<", u"上一条(Alt+P)"},
-                   {u">>", u"下一条(Alt+N)"},
-                   {u">|", u"最后一条(Alt+L)"}};
+    const char16_t* const arrows[4] = {u"|<", u"<<", u">>", u">|"};
+    const char16_t* const hints[4] = {u"第一条(Alt+F)", u"上一条(Alt+P)", u"下一条(Alt+N)",
+                                      u"最后一条(Alt+L)"};
     const int buttonsTop = 180 + 10 * rowH + 300;
-    for (int k = 0; k < 4; ++k) {
-        auto* b = new QPushButton(QString::fromUtf16(arrows[k].caption), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), k));
-        b->setToolTip(QString::fromUtf16(arrows[k].hint));
-        place(b, 150 + k * 480, buttonsTop, 450, 400);
-        connect(b, &QPushButton::clicked, this, [this, k] { Command1_Click(k); });
-    }
+    const auto moves =
+        vb::buttonRow(w, QStringLiteral("Command1"), arrows, {150, 480, buttonsTop, 450, 400}, this,
+                      [this](int k) { Command1_Click(k); });
+    for (int k = 0; k < 4; ++k) moves[k]->setToolTip(QString::fromUtf16(hints[k]));
     const char16_t* const commands[6] = {u"&A  增加", u"&Z 同批增加", u"&S  保存",
                                          u"&D  查找", u"&B  浏览",    u"&X  关闭"};
     int x = 6200;
     for (int i = 0; i < 6; ++i) {
-        auto* b = new QPushButton(QString::fromUtf16(commands[i]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command2"), i));
-        if (i == 1) {
-            // Same-batch add was never finished: hidden, off the visible area.
+        // Same-batch add was never finished: hidden, off the visible area.
+        const bool unfinished = i == 1;
+        auto* b = vb::commandButton(w, vb::ctlName(QStringLiteral("Command2"), i),
+                                    QString::fromUtf16(commands[i]), unfinished ? -3000 : x,
+                                    buttonsTop, 1100, 400, this, [this, i] { Command2_Click(i); });
+        if (unfinished) {
             b->setEnabled(false);
             b->setVisible(false);
-            place(b, -3000, buttonsTop, 1100, 400);
         } else {
-            place(b, x, buttonsTop, 1100, 400);
             x += 1150;
         }
-        connect(b, &QPushButton::clicked, this, [this, i] { Command2_Click(i); });
     }
     Command2(2)->setEnabled(false);
 }
@@ -310,7 +294,7 @@ void CaiGoufrm::Command1_Click(int index) {
         int answer = vb::vbNo;
         vb::resume([&] {
             answer = vb::MsgBox(QStringLiteral("该采购资料已经发生修改，是否保存修改？"),
-                                vb::vbYesNo + vb::vbInformation, kTitle);
+                                vb::vbYesNo + vb::vbInformation, vb::kMsgTitle);
         });
         if (answer == vb::vbYes) {
             vb::resume([&] { Command2_Click(2); });
@@ -343,7 +327,7 @@ void CaiGoufrm::Command1_Click(int index) {
 void CaiGoufrm::Command2_Click(int index) {
     if (index != 2 && anyFieldChanged()) {
         if (vb::MsgBox(QStringLiteral("该采购资料已经发生修改，是否保存修改？"),
-                       vb::vbYesNo + vb::vbInformation, kTitle) == vb::vbYes) {
+                       vb::vbYesNo + vb::vbInformation, vb::kMsgTitle) == vb::vbYes) {
             if (!checkInput()) return;
             if (addType == caigou::addAdding)
                 addCaiGou();

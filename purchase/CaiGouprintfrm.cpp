@@ -4,6 +4,7 @@
 #include "platform/adodb.h"
 #include "platform/errors.h"
 #include "platform/flexgrid.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 #include "query/reports.h"
@@ -14,8 +15,6 @@
 #include <memory>
 
 namespace {
-
-const QString kTitle = QStringLiteral("操作提示");
 
 constexpr int kGridWidth = 4440;
 constexpr int kGridHeight = 4200;
@@ -48,7 +47,7 @@ QString title(int16_t count) {
 
 void showPrintCG(int16_t count) {
     // The program cannot turn the paper: the librarian does it at the printer.
-    vb::MsgBox(QStringLiteral("请将打印机设置为A4横向打印！"), vb::vbInformation, kTitle);
+    vb::MsgBox(QStringLiteral("请将打印机设置为A4横向打印！"), vb::vbInformation, vb::kMsgTitle);
 
     // From here on a failure is passed over: the table is filled, the report may show it.
     auto rs = std::make_shared<adodb::Recordset>();
@@ -67,7 +66,7 @@ void showPrintCG(int16_t count) {
         vb::resume([&] { atEnd = rs->EOF_(); });
     }
     if (atEnd) {
-        vb::MsgBox(QStringLiteral("没有符合条件的记录！"), vb::vbInformation, kTitle);
+        vb::MsgBox(QStringLiteral("没有符合条件的记录！"), vb::vbInformation, vb::kMsgTitle);
         return;
     }
     auto& report = vb::form<printCG>();
@@ -100,21 +99,16 @@ void CaiGouprintfrm::build(QWidget* w) {
     w->setWindowTitle(QStringLiteral("采购来源打印"));
     w->setFixedSize(vb::twips(kGridWidth), vb::twips(kGridHeight + 720));
 
-    auto* grid = new vb::FlexGrid(w);
-    grid->setObjectName(QStringLiteral("Grid1"));
+    auto* grid =
+        vb::control<vb::FlexGrid>(w, QStringLiteral("Grid1"), 0, 0, kGridWidth, kGridHeight);
     grid->setFixedCols(0);
     // The hint stands alone: double click and Enter have no action in this grid.
     grid->setToolTip(QStringLiteral("<双击>或<回车>“显示明细”"));
-    grid->setGeometry(0, 0, vb::twips(kGridWidth), vb::twips(kGridHeight));
 
     const char16_t* const captions[2] = {u"&A  确定", u"&C  取消"};
-    for (int i = 0; i < 2; ++i) {
-        auto* b = new QPushButton(QString::fromUtf16(captions[i]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), i));
-        b->setGeometry(vb::twips(720 + i * 1800), vb::twips(kGridHeight + 180), vb::twips(1215),
-                       vb::twips(375));
-        connect(b, &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
-    }
+    vb::buttonRow(w, QStringLiteral("Command1"), captions,
+                  {720, 1800, kGridHeight + 180, 1215, 375}, this,
+                  [this](int i) { Command1_Click(i); });
 }
 
 void CaiGouprintfrm::onLoad() {

@@ -3,14 +3,13 @@
 #include "data/publicHanshu.h"
 #include "platform/adodb.h"
 #include "platform/errors.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 
 namespace caigou {
 
 namespace {
-
-const QString kTitle = QStringLiteral("操作提示");
 
 struct FieldDef {
     const char* column;
@@ -66,7 +65,7 @@ LeaveResult sourceRule(const QString& text, adodb::Connection& conn) {
         return r;
     // A source need not be a listed supplier: on No the text stays and the focus moves on.
     if (vb::MsgBox(QStringLiteral("采购来源：‘") + text + QStringLiteral("’不存在，是否添加。"),
-                   vb::vbYesNo + vb::vbCritical, kTitle) == vb::vbYes)
+                   vb::vbYesNo + vb::vbCritical, vb::kMsgTitle) == vb::vbYes)
         r.addSource = true;
     return r;
 }
@@ -74,7 +73,7 @@ LeaveResult sourceRule(const QString& text, adodb::Connection& conn) {
 LeaveResult numberRule(int index, Record& rec) {
     LeaveResult r;
     if (!vb::IsNumeric(rec[index])) {
-        vb::MsgBox(QStringLiteral("无效数字格式，取消该操作。"), vb::vbCritical, kTitle);
+        vb::MsgBox(QStringLiteral("无效数字格式，取消该操作。"), vb::vbCritical, vb::kMsgTitle);
         rec[index].clear();
         r.focus = index;
         return r;
@@ -90,7 +89,7 @@ LeaveResult codeListRule(const CodeList& list, Record& rec, adodb::Connection& c
     const QString key = list.doubleInLookup ? sqlText(text) : text;
     if (found(conn, QString::fromUtf16(list.lookup) + key + QStringLiteral("'"))) return r;
     if (vb::MsgBox(QString::fromUtf16(list.label) + text + QStringLiteral("’不存在，是否添加。"),
-                   vb::vbYesNo + vb::vbCritical, kTitle) == vb::vbYes) {
+                   vb::vbYesNo + vb::vbCritical, vb::kMsgTitle) == vb::vbYes) {
         conn.Execute(QString::fromUtf16(list.insert) + sqlText(text) + QStringLiteral("')"));
         return r;
     }
@@ -137,7 +136,7 @@ LeaveResult isbnRule(int index, Record& rec, bool formatFirst, adodb::Connection
     if (verdict != QStringLiteral("yes")) {
         if (vb::MsgBox(verdict + QStringLiteral("\r\n") +
                            QStringLiteral("是否使用该错误的ISBN号？(y/n)"),
-                       vb::vbYesNo + vb::vbInformation, kTitle) != vb::vbYes) {
+                       vb::vbYesNo + vb::vbInformation, vb::kMsgTitle) != vb::vbYes) {
             rec[index].clear();
             r.focus = index;
             return r;
@@ -194,24 +193,24 @@ CheckResult checkInput(const Record& rec) {
     };
     for (const Required& q : before)
         if (rec[q.index].isEmpty()) {
-            vb::MsgBox(QString::fromUtf16(q.text), vb::vbCritical, kTitle);
+            vb::MsgBox(QString::fromUtf16(q.text), vb::vbCritical, vb::kMsgTitle);
             return {false, q.index};
         }
     const QString& d = rec[16];
     if (d.isEmpty() || !vb::IsDate(d)) {
         vb::MsgBox(QStringLiteral("请输入正确的日期格式(例如:2003-01-01)"), vb::vbInformation,
-                   kTitle);
+                   vb::kMsgTitle);
         return {false, 16};
     }
     // A date that does not begin with its year (1/2/2003) is refused too.
     if (!vb::IsNumeric(vb::Left(d, 4))) {
         vb::MsgBox(QStringLiteral("请输入完整的日期格式!(例如:2003-01-01)"), vb::vbInformation,
-                   kTitle);
+                   vb::kMsgTitle);
         return {false, 16};
     }
     if (rec[17].isEmpty()) {
         vb::MsgBox(QStringLiteral("图书采购'预定册数'不能为空，取消该操作。"), vb::vbCritical,
-                   kTitle);
+                   vb::kMsgTitle);
         return {false, 17};
     }
     return {};

@@ -2,15 +2,16 @@
 
 #include "data/globals.h"
 #include "data/publicHanshu.h"
+#include "platform/Menu.h"
 #include "platform/adodb.h"
 #include "platform/errors.h"
 #include "platform/events.h"
 #include "platform/flexgrid.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 #include "purchase/CaiGoufrm.h"
 #include "purchase/caigouRules.h"
-#include "platform/Menu.h"
 
 #include <QGroupBox>
 #include <QLineEdit>
@@ -21,12 +22,7 @@
 
 namespace {
 
-const QString kTitle = QStringLiteral("操作提示");
 constexpr int kIsbnCol = 4;
-
-void place(QWidget* c, int left, int top, int width, int height) {
-    c->setGeometry(vb::twips(left), vb::twips(top), vb::twips(width), vb::twips(height));
-}
 
 QString today() {
     return vb::Format(serverDate(), QStringLiteral("YYYY-MM-DD"));
@@ -61,15 +57,11 @@ void loadCheckDatafrm::build(QWidget* w) {
 
     auto* frame = new QGroupBox(w);
     frame->setObjectName(QStringLiteral("Frame1"));
-    auto* isbn = new QRadioButton(QStringLiteral("ISBN(&1)"), frame);
-    isbn->setObjectName(vb::ctlName(QStringLiteral("Option1"), 1));
-    place(isbn, 120, 240, 1100, 300);
-    auto* title = new QRadioButton(QStringLiteral("书名(&2)"), frame);
-    title->setObjectName(vb::ctlName(QStringLiteral("Option1"), 0));
-    place(title, 1260, 240, 1100, 300);
-    auto* text = new QLineEdit(frame);
-    text->setObjectName(QStringLiteral("Text1"));
-    place(text, 2400, 230, 2700, 315);
+    auto* isbn = vb::place(new QRadioButton(QStringLiteral("ISBN(&1)"), frame),
+                           vb::ctlName(QStringLiteral("Option1"), 1), 120, 240, 1100, 300);
+    auto* title = vb::place(new QRadioButton(QStringLiteral("书名(&2)"), frame),
+                            vb::ctlName(QStringLiteral("Option1"), 0), 1260, 240, 1100, 300);
+    auto* text = vb::control<QLineEdit>(frame, QStringLiteral("Text1"), 2400, 230, 2700, 315);
     connect(title, &QRadioButton::clicked, this, [this] { Option1_Click(0); });
     connect(isbn, &QRadioButton::clicked, this, [this] { Option1_Click(1); });
     vb::selectAllOnFocus(text);
@@ -77,12 +69,11 @@ void loadCheckDatafrm::build(QWidget* w) {
     vb::onLostFocus(text, [this] { Text1_LostFocus(); });
 
     const char16_t* const captions[4] = {u"&A  确定", u"&N  新增", u"&C  套录", u"&X  取消"};
-    for (int k = 0; k < 4; ++k) {
-        auto* b = new QPushButton(QString::fromUtf16(captions[k]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), k));
-        if (k == 1 || k == 2) b->setEnabled(false); // until a search finds rows
-        connect(b, &QPushButton::clicked, this, [this, k] { Command1_Click(k); });
-    }
+    // Placed for the design size here; onResize keeps them off the bottom edge.
+    const auto buttons =
+        vb::buttonRow(w, QStringLiteral("Command1"), captions, {5550, 960, 5700 - 620, 900, 420},
+                      this, [this](int k) { Command1_Click(k); });
+    for (int k : {1, 2}) buttons[k]->setEnabled(false); // until a search finds rows
     onResize();
 }
 
@@ -137,9 +128,9 @@ void loadCheckDatafrm::onResize() {
         const int width = vb::toTwips(w->width());
         const int height = vb::toTwips(w->height());
         const int buttonsTop = height - 620;
-        place(w->findChild<QGroupBox*>(QStringLiteral("Frame1")), 60, height - 860, 5300, 760);
-        for (int k = 0; k < 4; ++k) place(Command1(k), 5550 + k * 960, buttonsTop, 900, 420);
-        place(Grid1(), 0, 0, width, buttonsTop - 100);
+        vb::place(w->findChild<QGroupBox*>(QStringLiteral("Frame1")), 60, height - 860, 5300, 760);
+        for (int k = 0; k < 4; ++k) vb::place(Command1(k), 5550 + k * 960, buttonsTop, 900, 420);
+        vb::place(Grid1(), 0, 0, width, buttonsTop - 100);
         gridFix();
     });
 }
@@ -164,8 +155,7 @@ void loadCheckDatafrm::gridFix() {
 
 void loadCheckDatafrm::Text1_LostFocus() {
     QLineEdit* t = Text1();
-    const QString s = vb::Trim(t->text());
-    if (t->text() != s) t->setText(s);
+    const QString s = vb::trimText(t);
     // A bare number is hyphenated as the user leaves; no check digit test here.
     if (!s.isEmpty() && Option1(1)->isChecked()) {
         const QString f = formatIsbn(s);
@@ -184,7 +174,8 @@ void loadCheckDatafrm::Command1_Click(int index) {
     switch (index) {
     case 0: {
         if (Text1()->text().isEmpty()) {
-            vb::MsgBox(QStringLiteral("请输入查询条件，取消该操作。"), vb::vbCritical, kTitle);
+            vb::MsgBox(QStringLiteral("请输入查询条件，取消该操作。"), vb::vbCritical,
+                       vb::kMsgTitle);
             Text1()->setFocus(Qt::OtherFocusReason);
             return;
         }
@@ -333,7 +324,8 @@ void loadCheckDatafrm::copyRecord() {
     if (sql.isEmpty()) vb::raise(3709, QStringLiteral("对象关闭或无效时，不允许操作。"));
     rs.Open(sql, conn, adodb::adOpenDynamic, adodb::adLockOptimistic, adodb::adCmdText);
     if (rs.EOF_()) {
-        vb::MsgBox(QStringLiteral("数据操作过程中错误，取消该操作。"), vb::vbCritical, kTitle);
+        vb::MsgBox(QStringLiteral("数据操作过程中错误，取消该操作。"), vb::vbCritical,
+                   vb::kMsgTitle);
         return;
     }
     beginAdding();

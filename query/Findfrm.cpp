@@ -5,6 +5,7 @@
 #include "platform/adodb.h"
 #include "platform/errors.h"
 #include "platform/events.h"
+#include "platform/formkit.h"
 #include "platform/maskedbox.h"
 #include "platform/msgbox.h"
 #include "query/tongji.h"
@@ -22,24 +23,12 @@
 
 namespace {
 
-const QString kTitle = QStringLiteral("操作提示");
 const QString kDateMask = QStringLiteral("####-##-##");
 const QString kEmptyDate = QStringLiteral("____-__-__");
 
 std::map<QString, Findfrm::Generator>& generators() {
     static std::map<QString, Findfrm::Generator> g;
     return g;
-}
-
-template <class W> W* place(W* w, const QString& name, int left, int top, int width, int height) {
-    w->setObjectName(name);
-    w->setGeometry(vb::twips(left), vb::twips(top), vb::twips(width), vb::twips(height));
-    return w;
-}
-
-QPushButton* button(QWidget* parent, const QString& name, const QString& caption, int left, int top,
-                    int width = 1215, int height = 375) {
-    return place(new QPushButton(caption, parent), name, left, top, width, height);
 }
 
 // A read-only QTextEdit still takes an input method's commit string when one is sent
@@ -122,29 +111,28 @@ void Findfrm::build(QWidget* w) {
     w->setWindowTitle(QStringLiteral("查找资料"));
     w->resize(vb::twips(8400), vb::twips(6120));
 
-    place(new QLabel(QStringLiteral("查找项目"), w), QStringLiteral("Label1_0"), 120, 120, 1900,
-          255);
-    auto* fields = place(new QListWidget(w), QStringLiteral("LFields"), 120, 420, 1900, 5040);
+    vb::label(w, QStringLiteral("Label1_0"), QStringLiteral("查找项目"), 120, 120, 1900, 255);
+    auto* fields = vb::place(new QListWidget(w), QStringLiteral("LFields"), 120, 420, 1900, 5040);
 
-    place(new QLabel(QStringLiteral("查找条件"), w), QStringLiteral("Label1_1"), 2160, 120, 1800,
-          255);
-    auto* field = place(new QComboBox(w), QStringLiteral("cSql"), 2160, 420, 1800, 315);
-    auto* fuhao = place(new QComboBox(w), QStringLiteral("cFuhao"), 4020, 420, 1080, 315);
-    auto* value = place(new vb::MaskEdBox(w), QStringLiteral("lSql"), 5160, 420, 1920, 315);
-    auto* add = button(w, QStringLiteral("Command3"), QStringLiteral("&A加入"), 7140, 400, 1140);
-    auto* sign = place(new QTextEdit(w), QStringLiteral("signSql"), 2160, 840, 6120, 660);
-    auto* merge =
-        button(w, QStringLiteral("Command1_0"), QStringLiteral("&U 条件合并"), 6840, 1580, 1440);
+    vb::label(w, QStringLiteral("Label1_1"), QStringLiteral("查找条件"), 2160, 120, 1800, 255);
+    auto* field = vb::place(new QComboBox(w), QStringLiteral("cSql"), 2160, 420, 1800, 315);
+    auto* fuhao = vb::place(new QComboBox(w), QStringLiteral("cFuhao"), 4020, 420, 1080, 315);
+    auto* value = vb::place(new vb::MaskEdBox(w), QStringLiteral("lSql"), 5160, 420, 1920, 315);
+    auto* add = vb::commandButton(w, QStringLiteral("Command3"), QStringLiteral("&A加入"), 7140,
+                                  400, 1140, 375);
+    auto* sign = vb::place(new QTextEdit(w), QStringLiteral("signSql"), 2160, 840, 6120, 660);
+    auto* merge = vb::commandButton(w, QStringLiteral("Command1_0"), QStringLiteral("&U 条件合并"),
+                                    6840, 1580, 1440, 375);
 
-    place(new QLabel(QStringLiteral("查找关系"), w), QStringLiteral("Label1_2"), 2160, 1640, 1800,
-          255);
-    place(new QListWidget(w), QStringLiteral("totalSql"), 2160, 2040, 6120, 1500);
+    vb::label(w, QStringLiteral("Label1_2"), QStringLiteral("查找关系"), 2160, 1640, 1800, 255);
+    vb::place(new QListWidget(w), QStringLiteral("totalSql"), 2160, 2040, 6120, 1500);
 
-    place(new QComboBox(w), QStringLiteral("cOrderby"), 2160, 3720, 1800, 315);
+    vb::place(new QComboBox(w), QStringLiteral("cOrderby"), 2160, 3720, 1800, 315);
     for (int i = 0; i < 2; ++i) {
         const int left = 4200 + i * 840;
-        auto* lab = place(new QLabel(i == 0 ? QStringLiteral("升序") : QStringLiteral("降序"), w),
-                          vb::ctlName(QStringLiteral("Label3"), i), left, 3735, 660, 285);
+        auto* lab =
+            vb::place(new QLabel(i == 0 ? QStringLiteral("升序") : QStringLiteral("降序"), w),
+                      vb::ctlName(QStringLiteral("Label3"), i), left, 3735, 660, 285);
         lab->setAlignment(Qt::AlignCenter);
         lab->setCursor(Qt::PointingHandCursor);
         // The four lines around the label: top, left, bottom, right.
@@ -153,8 +141,8 @@ void Findfrm::build(QWidget* w) {
                                {left - 30, 4035, 735, 15},
                                {left + 675, 3705, 15, 345}};
         for (int k = 0; k < 4; ++k) {
-            auto* line = place(new QFrame(w), vb::ctlName(QStringLiteral("L%1").arg(k + 1), i),
-                               geo[k][0], geo[k][1], geo[k][2], geo[k][3]);
+            auto* line = vb::place(new QFrame(w), vb::ctlName(QStringLiteral("L%1").arg(k + 1), i),
+                                   geo[k][0], geo[k][1], geo[k][2], geo[k][3]);
             line->setAutoFillBackground(true);
         }
         new LabelMouse(lab, [this, i, lab](QEvent::Type t, const QMouseEvent* e) {
@@ -179,11 +167,15 @@ void Findfrm::build(QWidget* w) {
             }
         });
     }
-    auto* orderText = place(new QTextEdit(w), QStringLiteral("lOrderby"), 2160, 4140, 6120, 660);
+    auto* orderText =
+        vb::place(new QTextEdit(w), QStringLiteral("lOrderby"), 2160, 4140, 6120, 660);
 
-    auto* ok = button(w, QStringLiteral("Command1_1"), QStringLiteral("&O  确定"), 3480, 5160);
-    auto* clear = button(w, QStringLiteral("Command2"), QStringLiteral("&C  清除"), 5160, 5160);
-    auto* close = button(w, QStringLiteral("Command1_2"), QStringLiteral("&X  关闭"), 6840, 5160);
+    auto* ok = vb::commandButton(w, QStringLiteral("Command1_1"), QStringLiteral("&O  确定"), 3480,
+                                 5160, 1215, 375);
+    auto* clear = vb::commandButton(w, QStringLiteral("Command2"), QStringLiteral("&C  清除"), 5160,
+                                    5160, 1215, 375);
+    auto* close = vb::commandButton(w, QStringLiteral("Command1_2"), QStringLiteral("&X  关闭"),
+                                    6840, 5160, 1215, 375);
 
     sign->setAcceptRichText(false);
     orderText->setAcceptRichText(false);
@@ -379,7 +371,7 @@ void Findfrm::Command2_Click() {
 void Findfrm::Label3_Click(int index) {
     QComboBox* order = cOrderby();
     if (order->currentText().isEmpty()) {
-        vb::MsgBox(QStringLiteral("请选择排序项目，取消该操作。"), vb::vbCritical, kTitle);
+        vb::MsgBox(QStringLiteral("请选择排序项目，取消该操作。"), vb::vbCritical, vb::kMsgTitle);
         order->setFocus();
         return;
     }

@@ -3,6 +3,9 @@
 // in 10.5 pt, rows and page lines in 9 pt, all 宋体.
 #include "query/reports.h"
 
+#include <array>
+#include <vector>
+
 namespace {
 
 using vb::ReportAlign;
@@ -174,50 +177,46 @@ ReportLayout amounts(const char16_t* caption, int width, const char16_t* heading
     return r;
 }
 
-ReportLayout printJinECBLayout() {
+// Three of them are a table of the source's name, `nameWidth` wide, then six columns of 1134
+// with a word over each. The heading over the names is listed after the six.
+using Six = std::array<const char16_t*, 6>;
+ReportLayout amountTable(const char16_t* caption, int width, const char16_t* heading, int nameWidth,
+                         const char16_t* nameHeading, const Six& words, const Six& columns,
+                         int pageLabelLeft, int pageLeft) {
+    constexpr int kColumn = 1134;
     const Headings h{1221};
     const int d = 504;
-    return amounts(u"图书采购资金统计", 9645, u"图书采购资金统计管理",
-                   {h(u"预定种数", 2835, 1134, C), h(u"预定册数", 3969, 1134, C),
-                    h(u"预定金额", 5103, 1134, C), h(u"验收种数", 6237, 1134, C),
-                    h(u"验收册数", 7371, 1134, C), h(u"验收金额", 8505, 1134, C),
-                    h(u"%i", 0, 2835, C)},
-                   {field(u"name", 0, 2835, C, d), field(u"ydtype", 2835, 1134, C, d),
-                    field(u"ydcount", 3969, 1134, C, d), field(u"ydjine", 5103, 1134, C, d),
-                    field(u"ystype", 6237, 1134, C, d), field(u"yscount", 7371, 1134, C, d),
-                    field(u"ysjine", 8505, 1134, C, d)},
-                   8187, 8952);
+    std::vector<ReportControl> headings;
+    std::vector<ReportControl> fields{field(u"name", 0, nameWidth, C, d)};
+    for (int k = 0; k < 6; ++k) {
+        headings.push_back(h(words[k], nameWidth + k * kColumn, kColumn, C));
+        fields.push_back(field(columns[k], nameWidth + k * kColumn, kColumn, C, d));
+    }
+    headings.push_back(h(nameHeading, 0, nameWidth, C));
+    return amounts(caption, width, heading, std::move(headings), std::move(fields), pageLabelLeft,
+                   pageLeft);
+}
+
+const Six kFundWords = {u"预定种数", u"预定册数", u"预定金额",
+                        u"验收种数", u"验收册数", u"验收金额"};
+const Six kFundColumns = {u"ydtype", u"ydcount", u"ydjine", u"ystype", u"yscount", u"ysjine"};
+
+ReportLayout printJinECBLayout() {
+    return amountTable(u"图书采购资金统计", 9645, u"图书采购资金统计管理", 2835, u"%i", kFundWords,
+                       kFundColumns, 8187, 8952);
 }
 
 ReportLayout printJinEYFZLayout() {
-    const Headings h{1221};
-    const int d = 504;
-    return amounts(u"图书采购资金统计", 8508, u"图书采购资金统计管理",
-                   {h(u"预定种数", 1701, 1134, C), h(u"预定册数", 2835, 1134, C),
-                    h(u"预定金额", 3969, 1134, C), h(u"验收种数", 5103, 1134, C),
-                    h(u"验收册数", 6237, 1134, C), h(u"验收金额", 7371, 1134, C),
-                    h(u"%i", 0, 1701, C)},
-                   {field(u"name", 0, 1701, C, d), field(u"ydtype", 1701, 1134, C, d),
-                    field(u"ydcount", 2835, 1134, C, d), field(u"ydjine", 3969, 1134, C, d),
-                    field(u"ystype", 5103, 1134, C, d), field(u"yscount", 6237, 1134, C, d),
-                    field(u"ysjine", 7371, 1134, C, d)},
-                   7053, 7818);
+    return amountTable(u"图书采购资金统计", 8508, u"图书采购资金统计管理", 1701, u"%i", kFundWords,
+                       kFundColumns, 7053, 7818);
 }
 
 // The percentages sit in the amount columns: ydjine and ysjine print under 到书率.
 ReportLayout printJinELVLayout() {
-    const Headings h{1221};
-    const int d = 504;
-    return amounts(u"图书采购到书统计", 9645, u"图书采购到书率统计管理",
-                   {h(u"预定种数", 2835, 1134, C), h(u"验收种数", 3969, 1134, C),
-                    h(u"到书率", 5103, 1134, C), h(u"预定册数", 6237, 1134, C),
-                    h(u"验收册数", 7371, 1134, C), h(u"到书率", 8505, 1134, C),
-                    h(u"图书来源", 0, 2835, C)},
-                   {field(u"name", 0, 2835, C, d), field(u"ydtype", 2835, 1134, C, d),
-                    field(u"ystype", 3969, 1134, C, d), field(u"ydjine", 5103, 1134, C, d),
-                    field(u"ydcount", 6237, 1134, C, d), field(u"yscount", 7371, 1134, C, d),
-                    field(u"ysjine", 8505, 1134, C, d)},
-                   8187, 8952);
+    return amountTable(u"图书采购到书统计", 9645, u"图书采购到书率统计管理", 2835, u"图书来源",
+                       {u"预定种数", u"验收种数", u"到书率", u"预定册数", u"验收册数", u"到书率"},
+                       {u"ydtype", u"ystype", u"ydjine", u"ydcount", u"yscount", u"ysjine"}, 8187,
+                       8952);
 }
 
 ReportLayout printTotalJineLayout() {
@@ -235,51 +234,52 @@ ReportLayout printTotalJineLayout() {
 
 // The two voucher reports: date and page number at the head of the page, a group a batch
 // under the batch's heading, no page footer.
-ReportLayout printYStotalLayout() {
+struct PageLine {
+    int top, pageLabelLeft, pageLabelWidth, pageLeft, pageWidth, dateWidth;
+};
+ReportLayout voucher(int width, int batchWidth, int pageHeaderHeight, const PageLine& p,
+                     int groupHeaderHeight, std::vector<ReportControl> headings, int detailHeight,
+                     std::vector<ReportControl> fields) {
     ReportLayout r;
     r.caption = QStringLiteral("采购验收传票打印");
-    r.width = 7380;
+    r.width = width;
     r.groupBy = QStringLiteral("batch");
-    r.pageHeader.height = 495;
-    pageLine(r.pageHeader, 97, 3465, 3450, 6210, 1125, 1800);
-    r.groupHeader.height = 1605;
-    const Headings h{1125};
-    ReportControl batch =
-        make(ReportRole::Field, u"batch", 0, 7365, C, 250, cell(kTitle), kTitle, true);
-    r.groupHeader.controls = {batch, h(u"采 购 来 源", 0, 3975, L), h(u"种 类", 3975, 1125, C),
-                              h(u"册 数", 5100, 1140, C), h(u"金 额", 6240, 1140, C)};
-    const int d = r.detail.height = 570;
-    r.detail.controls = {field(u"bookfrom", 40, 3969, L, d), field(u"typecount", 3969, 1134, C, d),
-                         field(u"counts", 5103, 1134, C, d), field(u"jine", 6237, 1134, C, d)};
+    r.pageHeader.height = pageHeaderHeight;
+    pageLine(r.pageHeader, p.top, p.pageLabelLeft, p.pageLabelWidth, p.pageLeft, p.pageWidth,
+             p.dateWidth);
+    r.groupHeader.height = groupHeaderHeight;
+    r.groupHeader.controls = {
+        make(ReportRole::Field, u"batch", 0, batchWidth, C, 250, cell(kTitle), kTitle, true)};
+    for (ReportControl& c : headings) r.groupHeader.controls.push_back(std::move(c));
+    r.detail.height = detailHeight;
+    r.detail.controls = std::move(fields);
     r.groupFooter.height = 0;
     r.pageFooter.height = 0;
     return r;
 }
 
+ReportLayout printYStotalLayout() {
+    const Headings h{1125};
+    const int d = 570;
+    return voucher(7380, 7365, 495, {97, 3465, 3450, 6210, 1125, 1800}, 1605,
+                   {h(u"采 购 来 源", 0, 3975, L), h(u"种 类", 3975, 1125, C),
+                    h(u"册 数", 5100, 1140, C), h(u"金 额", 6240, 1140, C)},
+                   d,
+                   {field(u"bookfrom", 40, 3969, L, d), field(u"typecount", 3969, 1134, C, d),
+                    field(u"counts", 5103, 1134, C, d), field(u"jine", 6237, 1134, C, d)});
+}
+
 ReportLayout printYSmxLayout() {
-    ReportLayout r;
-    r.caption = QStringLiteral("采购验收传票打印");
-    r.width = 13080;
-    r.groupBy = QStringLiteral("batch");
-    r.pageHeader.height = 585;
-    pageLine(r.pageHeader, 142, 6105, 2385, 8265, 765, 1695);
-    r.groupHeader.height = 1635;
     const Headings h{1155};
-    ReportControl batch =
-        make(ReportRole::Field, u"batch", 0, 13075, C, 250, cell(kTitle), kTitle, true);
-    r.groupHeader.controls = {batch,
-                              h(u"书    名", 0, 5295, L),
-                              h(u"著 者", 5380, 1700, L),
-                              h(u"出版社", 7100, 3690, L),
-                              h(u"价格", 10803, 1134, R),
-                              h(u"册数", 11937, 1140, R)};
-    const int d = r.detail.height = 510;
-    r.detail.controls = {field(u"bookname", 40, 5295, L, d, true),
-                         field(u"author", 5380, 1700, L, d), field(u"publisher", 7095, 3690, L, d),
-                         field(u"price", 10803, 1134, R, d), field(u"counts", 11937, 1134, R, d)};
-    r.groupFooter.height = 0;
-    r.pageFooter.height = 0;
-    return r;
+    const int d = 510;
+    return voucher(13080, 13075, 585, {142, 6105, 2385, 8265, 765, 1695}, 1635,
+                   {h(u"书    名", 0, 5295, L), h(u"著 者", 5380, 1700, L),
+                    h(u"出版社", 7100, 3690, L), h(u"价格", 10803, 1134, R),
+                    h(u"册数", 11937, 1140, R)},
+                   d,
+                   {field(u"bookname", 40, 5295, L, d, true), field(u"author", 5380, 1700, L, d),
+                    field(u"publisher", 7095, 3690, L, d), field(u"price", 10803, 1134, R, d),
+                    field(u"counts", 11937, 1134, R, d)});
 }
 
 } // namespace

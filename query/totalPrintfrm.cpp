@@ -1,5 +1,6 @@
 #include "query/totalPrintfrm.h"
 
+#include "platform/formkit.h"
 #include "query/Findfrm.h"
 
 #include <QButtonGroup>
@@ -42,24 +43,18 @@ QPushButton* totalPrintfrm::Command1(int index) {
 void totalPrintfrm::build(QWidget* w) {
     w->setWindowTitle(QStringLiteral("采购金额统计"));
     w->setFixedSize(vb::twips(4200), vb::twips(4455));
-    auto* frame = new QGroupBox(w);
-    frame->setObjectName(QStringLiteral("Frame1"));
-    frame->setGeometry(vb::twips(120), vb::twips(60), vb::twips(3960), vb::twips(3660));
+    auto* frame = vb::control<QGroupBox>(w, QStringLiteral("Frame1"), 120, 60, 3960, 3660);
     // One group for the seven, which may all stay unchosen as the dialog opens.
     auto* group = new QButtonGroup(frame);
     for (int i = 0; i < kOptions; ++i) {
-        auto* o = new QRadioButton(QString::fromUtf16(kOptionTable[i].caption), frame);
-        o->setObjectName(vb::ctlName(QStringLiteral("Option1"), i));
-        o->setGeometry(vb::twips(480), vb::twips(240 + i * 480), vb::twips(3000), vb::twips(375));
-        group->addButton(o, i);
+        group->addButton(
+            vb::place(new QRadioButton(QString::fromUtf16(kOptionTable[i].caption), frame),
+                      vb::ctlName(QStringLiteral("Option1"), i), 480, 240 + i * 480, 3000, 375),
+            i);
     }
     const char16_t* const captions[2] = {u"&A  确定", u"&X  取消"};
-    for (int i = 0; i < 2; ++i) {
-        auto* b = new QPushButton(QString::fromUtf16(captions[i]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), i));
-        b->setGeometry(vb::twips(600 + i * 1680), vb::twips(3840), vb::twips(1215), vb::twips(375));
-        connect(b, &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
-    }
+    vb::buttonRow(w, QStringLiteral("Command1"), captions, {600, 1680, 3840, 1215, 375}, this,
+                  [this](int i) { Command1_Click(i); });
 }
 
 void totalPrintfrm::Command1_Click(int index) {

@@ -4,6 +4,7 @@
 #include "platform/adodb.h"
 #include "platform/errors.h"
 #include "platform/events.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/runtime.h"
 #include "platform/vb.h"
@@ -20,8 +21,6 @@
 #include <QPushButton>
 
 namespace {
-
-const QString kTitle = QStringLiteral("操作提示");
 
 // Image3 is a picture: it clicks on the release of the left button, as a picture box does.
 class ClickFilter : public QObject {
@@ -41,30 +40,6 @@ protected:
 private:
     std::function<void()> m_f;
 };
-
-QLabel* label(QWidget* parent, const QString& name, const QString& text, int l, int t, int w,
-              int h) {
-    auto* lb = new QLabel(text, parent);
-    lb->setObjectName(name);
-    lb->setGeometry(vb::twips(l), vb::twips(t), vb::twips(w), vb::twips(h));
-    return lb;
-}
-
-QLineEdit* textBox(QWidget* parent, const QString& name, int l, int t, int w, int h) {
-    auto* e = new QLineEdit(parent);
-    e->setObjectName(name);
-    e->setGeometry(vb::twips(l), vb::twips(t), vb::twips(w), vb::twips(h));
-    return e;
-}
-
-QPushButton* button(QWidget* parent, const QString& name, const QString& text, int l, int t, int w,
-                    int h) {
-    auto* b = new QPushButton(text, parent);
-    b->setObjectName(name);
-    b->setAutoDefault(false);
-    b->setGeometry(vb::twips(l), vb::twips(t), vb::twips(w), vb::twips(h));
-    return b;
-}
 
 // A LibUse.cgk that means yes: a true bit, whatever type the driver hands it over as.
 bool isTrue(const QVariant& v) {
@@ -97,22 +72,22 @@ void BMLoginFrm::build(QWidget* w) {
     w->setFixedSize(vb::twips(6600), vb::twips(4380));
     shellwin::centreOnScreen(w);
 
-    auto* banner = label(w, QStringLiteral("Image1"), QString(), 0, 0, 6600, 1500);
+    auto* banner = vb::label(w, QStringLiteral("Image1"), QString(), 0, 0, 6600, 1500);
     banner->setPixmap(shellicons::banner(vb::twips(6600), vb::twips(1500)));
 
-    label(w, QStringLiteral("lblInfo_0"), QStringLiteral("用户名:"), 1320, 1920, 1080, 300);
-    label(w, QStringLiteral("lblInfo_1"), QStringLiteral("密     码:"), 1320, 2520, 1080, 300);
-    auto* name = textBox(w, QStringLiteral("txtInName"), 2460, 1860, 2700, 375);
-    auto* pass = textBox(w, QStringLiteral("txtInPassword"), 2460, 2460, 2700, 375);
+    vb::label(w, QStringLiteral("lblInfo_0"), QStringLiteral("用户名:"), 1320, 1920, 1080, 300);
+    vb::label(w, QStringLiteral("lblInfo_1"), QStringLiteral("密     码:"), 1320, 2520, 1080, 300);
+    auto* name = vb::control<QLineEdit>(w, QStringLiteral("txtInName"), 2460, 1860, 2700, 375);
+    auto* pass = vb::control<QLineEdit>(w, QStringLiteral("txtInPassword"), 2460, 2460, 2700, 375);
     pass->setEchoMode(QLineEdit::Password);
     pass->setStyleSheet(QStringLiteral("lineedit-password-character: 42;")); // "*"
 
-    auto* login =
-        button(w, QStringLiteral("cmdLogin"), QStringLiteral("登 陆（&G）"), 2460, 3240, 1260, 420);
-    auto* exit =
-        button(w, QStringLiteral("cmdExit"), QStringLiteral("退出（&Q）"), 3900, 3240, 1260, 420);
+    auto* login = vb::commandButton(w, QStringLiteral("cmdLogin"), QStringLiteral("登 陆（&G）"),
+                                    2460, 3240, 1260, 420, this, [this] { cmdLogin_Click(); });
+    auto* exit = vb::commandButton(w, QStringLiteral("cmdExit"), QStringLiteral("退出（&Q）"), 3900,
+                                   3240, 1260, 420, this, [this] { cmdExit_Click(); });
 
-    auto* img = label(w, QStringLiteral("Image3"), QString(), 300, 3180, 540, 540);
+    auto* img = vb::label(w, QStringLiteral("Image3"), QString(), 300, 3180, 540, 540);
     img->setPixmap(shellicons::pixmap(QStringLiteral("datasource"), vb::twips(540)));
     img->setToolTip(QStringLiteral("单击此处重定向数据源"));
     img->setCursor(Qt::PointingHandCursor);
@@ -131,8 +106,6 @@ void BMLoginFrm::build(QWidget* w) {
             cmdLogin_Click();
         }
     });
-    connect(login, &QPushButton::clicked, this, [this] { cmdLogin_Click(); });
-    connect(exit, &QPushButton::clicked, this, [this] { cmdExit_Click(); });
 }
 
 void BMLoginFrm::onLoad() {
@@ -166,7 +139,8 @@ void BMLoginFrm::cmdLogin_Click() {
     // The name is tested twice and the password not at all, whatever the message says:
     // a quote in the password reaches the database and comes back as a connection error.
     if (vb::InStr(name, QStringLiteral("'")) > 0 || vb::InStr(1, name, QStringLiteral("'")) > 0) {
-        vb::MsgBox(QStringLiteral("用户名或者密码不能包含【'】符号！"), vb::vbInformation, kTitle);
+        vb::MsgBox(QStringLiteral("用户名或者密码不能包含【'】符号！"), vb::vbInformation,
+                   vb::kMsgTitle);
         return;
     }
 
@@ -182,7 +156,7 @@ void BMLoginFrm::cmdLogin_Click() {
         if (vb::MsgBox(QStringLiteral("[") + vb::Err().Description + QStringLiteral("]") +
                            QStringLiteral("\r\n") +
                            QStringLiteral("是否重新输入连接数据库的信息？"),
-                       68, kTitle) == vb::vbYes)
+                       68, vb::kMsgTitle) == vb::vbYes)
             vb::form<frmODBC>().Show(1);
         return;
     }
@@ -191,11 +165,11 @@ void BMLoginFrm::cmdLogin_Click() {
         ++loginCount;
         if (loginCount != 3) {
             vb::MsgBox(QStringLiteral("用户名或用户密码输入错误，请核对后输入。"), vb::vbCritical,
-                       kTitle);
+                       vb::kMsgTitle);
             txtInName()->setFocus();
         } else {
             vb::MsgBox(QStringLiteral("对不起，已经三次输入错误，退出该系统。"), vb::vbCritical,
-                       kTitle);
+                       vb::kMsgTitle);
             rs.reset();
             App::end();
         }
@@ -206,7 +180,7 @@ void BMLoginFrm::cmdLogin_Click() {
     vb::resume([&] { right = rs->value(QStringLiteral("cgk")); });
     if (!isTrue(right)) {
         vb::MsgBox(QStringLiteral("对不起，你没有使用“图书采购子系统”的权限。"), vb::vbCritical,
-                   kTitle);
+                   vb::kMsgTitle);
         rs.reset();
         App::end();
     }

@@ -4,6 +4,7 @@
 #include "platform/adodb.h"
 #include "platform/errors.h"
 #include "platform/events.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 #include "shell/centre.h"
@@ -39,12 +40,10 @@ void EditPassFrm::build(QWidget* w) {
     const char16_t* labels[] = {u"请输入旧密码：", u"请输入新密码：", u"请确认新密码："};
     QWidget* previous = nullptr;
     for (int i = 0; i < 3; ++i) {
-        auto* l = new QLabel(QString::fromUtf16(labels[i]), w);
-        l->setObjectName(vb::ctlName(QStringLiteral("Label1"), i));
-        l->setGeometry(vb::twips(360), vb::twips(360 + i * 540), vb::twips(1560), vb::twips(300));
-        auto* e = new QLineEdit(w);
-        e->setObjectName(vb::ctlName(QStringLiteral("Text1"), i));
-        e->setGeometry(vb::twips(1980), vb::twips(300 + i * 540), vb::twips(2400), vb::twips(375));
+        auto* l = vb::label(w, vb::ctlName(QStringLiteral("Label1"), i),
+                            QString::fromUtf16(labels[i]), 360, 360 + i * 540, 1560, 300);
+        auto* e = vb::control<QLineEdit>(w, vb::ctlName(QStringLiteral("Text1"), i), 1980,
+                                         300 + i * 540, 2400, 375);
         e->setEchoMode(QLineEdit::Password);
         e->setStyleSheet(QStringLiteral("lineedit-password-character: 42;")); // "*"
         e->setAutoFillBackground(true);
@@ -57,18 +56,12 @@ void EditPassFrm::build(QWidget* w) {
         if (previous) QWidget::setTabOrder(previous, e);
         previous = e;
     }
-    auto* ok = new QPushButton(QStringLiteral("&Y 确认"), w);
-    ok->setObjectName(QStringLiteral("CmdOk"));
-    ok->setAutoDefault(false);
-    ok->setGeometry(vb::twips(1020), vb::twips(2100), vb::twips(1200), vb::twips(420));
-    auto* cancel = new QPushButton(QStringLiteral("&C 取消"), w);
-    cancel->setObjectName(QStringLiteral("CmdCancel"));
-    cancel->setAutoDefault(false);
-    cancel->setGeometry(vb::twips(2580), vb::twips(2100), vb::twips(1200), vb::twips(420));
+    auto* ok = vb::commandButton(w, QStringLiteral("CmdOk"), QStringLiteral("&Y 确认"), 1020, 2100,
+                                 1200, 420, this, [this] { CmdOk_Click(); });
+    auto* cancel = vb::commandButton(w, QStringLiteral("CmdCancel"), QStringLiteral("&C 取消"),
+                                     2580, 2100, 1200, 420, this, [this] { CmdCancel_Click(); });
     QWidget::setTabOrder(previous, ok);
     QWidget::setTabOrder(ok, cancel);
-    connect(ok, &QPushButton::clicked, this, [this] { CmdOk_Click(); });
-    connect(cancel, &QPushButton::clicked, this, [this] { CmdCancel_Click(); });
 }
 
 void EditPassFrm::CmdCancel_Click() {
@@ -82,7 +75,7 @@ void EditPassFrm::CmdOk_Click() {
     if (vb::InStr(oldPass, QStringLiteral("'")) > 0 ||
         vb::InStr(newPass, QStringLiteral("'")) > 0) {
         vb::MsgBox(QStringLiteral("用户名或者密码中不能包含【'】符号！"), vb::vbInformation,
-                   QStringLiteral("操作提示"));
+                   vb::kMsgTitle);
         return;
     }
     try {

@@ -3,6 +3,7 @@
 #include "data/globals.h"
 #include "data/publicHanshu.h"
 #include "platform/errors.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/runtime.h"
 #include "platform/vb.h"
@@ -29,8 +30,6 @@
 #include <array>
 
 namespace {
-
-const QString kTitle = QStringLiteral("操作提示");
 
 // The menu, in order. A level-1 entry is a group, but the last one, which acts itself.
 struct MenuEntry {
@@ -339,7 +338,7 @@ void Mainfrm::onLoad() {
     if (!ok)
         vb::MsgBox(QStringLiteral("出现意外错误！详细信息如下：") + QStringLiteral("\r\n") +
                        vb::Err().Description,
-                   vb::vbInformation, kTitle);
+                   vb::vbInformation, vb::kMsgTitle);
 }
 
 void Mainfrm::onResize() {
@@ -451,7 +450,7 @@ Mainfrm::PrinterDialog Mainfrm::setPrinterDialog(PrinterDialog d) {
 
 void Mainfrm::regionalSettings() {
     vb::MsgBox(QStringLiteral("请选择日期标签，将【短日期样式】修改为【yyyy-MM-dd】"),
-               vb::vbInformation, kTitle);
+               vb::vbInformation, vb::kMsgTitle);
     const Launch l = regionalSettingsCommand(
         [](const QString& p) { return !QStandardPaths::findExecutable(p).isEmpty(); });
     // Started in a window of its own, not waited for. A desktop without such a panel has

@@ -1,5 +1,6 @@
 #include "shell/frmLook.h"
 
+#include "platform/formkit.h"
 #include "shell/Mainfrm.h"
 #include "shell/centre.h"
 #include "shell/icons.h"
@@ -22,15 +23,13 @@ void frmLook::build(QWidget* w) {
         shellwin::centreOnScreen(w);
     }
 
-    auto* picture = new QLabel(w);
-    picture->setObjectName(QStringLiteral("Image1"));
-    picture->setGeometry(vb::twips(120), vb::twips(120), vb::twips(6960), vb::twips(3000));
+    auto* picture = vb::label(w, QStringLiteral("Image1"), QString(), 120, 120, 6960, 3000);
     picture->setPixmap(shellicons::startPicture(picture->width(), picture->height()));
 
-    auto* title = new QLabel(QStringLiteral("Orvane图书馆管理集成系统V4.1(专业版)"), w);
-    title->setObjectName(QStringLiteral("lMain"));
+    auto* title =
+        vb::label(w, QStringLiteral("lMain"),
+                  QStringLiteral("Orvane图书馆管理集成系统V4.1(专业版)"), 120, 3240, 6960, 600);
     title->setAlignment(Qt::AlignCenter);
-    title->setGeometry(vb::twips(120), vb::twips(3240), vb::twips(6960), vb::twips(600));
     QFont f = title->font();
     f.setPointSize(f.pointSize() + 6);
     f.setBold(true);
@@ -38,13 +37,10 @@ void frmLook::build(QWidget* w) {
     title->setStyleSheet(QStringLiteral("color: #2b4a6f;"));
 
     // Kept as a choice on the screen; nothing reads it.
-    auto* check = new QCheckBox(QStringLiteral("启动时显示"), w);
-    check->setObjectName(QStringLiteral("Check1"));
+    auto* check = vb::place(new QCheckBox(QStringLiteral("启动时显示"), w),
+                            QStringLiteral("Check1"), 240, 4140, 2400, 360);
     check->setChecked(true);
-    check->setGeometry(vb::twips(240), vb::twips(4140), vb::twips(2400), vb::twips(360));
 
-    auto* ok = new QPushButton(QStringLiteral("确定"), w);
-    ok->setObjectName(QStringLiteral("Command1"));
-    ok->setGeometry(vb::twips(5760), vb::twips(4080), vb::twips(1200), vb::twips(420));
-    connect(ok, &QPushButton::clicked, this, [this] { Unload(); });
+    vb::commandButton(w, QStringLiteral("Command1"), QStringLiteral("确定"), 5760, 4080, 1200, 420,
+                      this, [this] { Unload(); });
 }

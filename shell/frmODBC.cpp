@@ -3,6 +3,7 @@
 #include "data/globals.h"
 #include "platform/errors.h"
 #include "platform/events.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/runtime.h"
 #include "platform/vb.h"
@@ -44,9 +45,8 @@ void frmODBC::build(QWidget* w) {
     w->setFixedSize(vb::twips(5520), vb::twips(4560));
     shellwin::centreOnScreen(w);
 
-    auto* fra = new QGroupBox(kCaption, w);
-    fra->setObjectName(QStringLiteral("fraStep3"));
-    fra->setGeometry(vb::twips(120), vb::twips(60), vb::twips(5280), vb::twips(3720));
+    auto* fra =
+        vb::place(new QGroupBox(kCaption, w), QStringLiteral("fraStep3"), 120, 60, 5280, 3720);
 
     struct Row {
         const char16_t* label;
@@ -62,9 +62,8 @@ void frmODBC::build(QWidget* w) {
     int top = 360;
     int i = 0;
     for (const Row& r : rows) {
-        auto* l = new QLabel(QString::fromUtf16(r.label), fra);
-        l->setObjectName(vb::ctlName(QStringLiteral("lblStep3"), i++));
-        l->setGeometry(vb::twips(240), vb::twips(top + 40), vb::twips(1260), vb::twips(300));
+        auto* l = vb::label(fra, vb::ctlName(QStringLiteral("lblStep3"), i++),
+                            QString::fromUtf16(r.label), 240, top + 40, 1260, 300);
         QWidget* field;
         if (r.isCombo) {
             auto* c = new QComboBox(fra);
@@ -74,8 +73,7 @@ void frmODBC::build(QWidget* w) {
         } else {
             field = new QLineEdit(fra);
         }
-        field->setObjectName(QString::fromLatin1(r.name));
-        field->setGeometry(vb::twips(1560), vb::twips(top), vb::twips(3480), vb::twips(360));
+        vb::place(field, QString::fromLatin1(r.name), 1560, top, 3480, 360);
         l->setBuddy(field);
         if (previous) QWidget::setTabOrder(previous, field);
         previous = field;
@@ -85,27 +83,21 @@ void frmODBC::build(QWidget* w) {
     pwd->setEchoMode(QLineEdit::Password);
     pwd->setStyleSheet(QStringLiteral("lineedit-password-character: 35;")); // "#"
 
-    auto button = [&](const char* name, const char16_t* caption, int left) {
-        auto* b = new QPushButton(QString::fromUtf16(caption), w);
-        b->setObjectName(QString::fromLatin1(name));
-        b->setAutoDefault(false);
-        b->setGeometry(vb::twips(left), vb::twips(3900), vb::twips(1500), vb::twips(420));
+    auto button = [&](const char* name, const char16_t* caption, int left, auto onClick) {
+        auto* b = vb::commandButton(w, QString::fromLatin1(name), QString::fromUtf16(caption), left,
+                                    3900, 1500, 420, this, onClick);
         QWidget::setTabOrder(previous, b);
         previous = b;
-        return b;
     };
-    auto* ceshi = button("cmdCeshi", u"测试(&C)", 240);
-    auto* ok = button("CmdOk", u"保存(&D)", 1980);
-    auto* cancel = button("CmdCancel", u"取消(&Q)", 3720);
+    button("cmdCeshi", u"测试(&C)", 240, [this] { cmdCeshi_Click(); });
+    button("CmdOk", u"保存(&D)", 1980, [this] { CmdOk_Click(); });
+    button("CmdCancel", u"取消(&Q)", 3720, [this] { CmdCancel_Click(); });
 
     for (const char* n : {"txtServer", "txtUID", "txtPWD", "txtDatabase", "cboDrivers"})
         vb::enterAsTab(fra->findChild<QWidget*>(QString::fromLatin1(n)));
     // A choice of the user is the list's Click; filling the list at load is not.
     connect(fra->findChild<QComboBox*>(QStringLiteral("cboDSNList")), &QComboBox::activated, this,
             [this] { cboDSNList_Click(); });
-    connect(ceshi, &QPushButton::clicked, this, [this] { cmdCeshi_Click(); });
-    connect(ok, &QPushButton::clicked, this, [this] { CmdOk_Click(); });
-    connect(cancel, &QPushButton::clicked, this, [this] { CmdCancel_Click(); });
 }
 
 void frmODBC::onLoad() {
@@ -179,7 +171,7 @@ frmODBC::Failure frmODBC::classifyFailure(const QString& d) {
     if (vb::InStr(1, d, QStringLiteral("Login failed")) > 0)
         return {QStringLiteral("用户密码不正确，请再试一次！详细信息如下：") +
                     QStringLiteral("\r\n") + d,
-                QStringLiteral("操作提示")};
+                vb::kMsgTitle};
     if (vb::InStr(1, d, QStringLiteral("QueryTimeout property")) > 0)
         return {QStringLiteral("连接数据源超时，请重试！！详细信息如下：") +
                     QStringLiteral("\r\n") + d,

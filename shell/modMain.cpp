@@ -3,6 +3,7 @@
 #include "data/globals.h"
 #include "platform/errors.h"
 #include "platform/form.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/runtime.h"
 #include "platform/vb.h"
@@ -37,7 +38,7 @@ void readProfileNames(const QString& profile) {
 void Main() {
     if (vb::PrevInstance(instanceKey())) {
         vb::MsgBox(QStringLiteral("程序已经运行，不能再次装载。"), vb::vbInformation,
-                   QStringLiteral("操作提示"));
+                   vb::kMsgTitle);
         App::end();
     }
     gConnStr = vb::GetSetting(kSettingApp, kSettingSection, kSettingKey, kNoProfile);

@@ -6,6 +6,7 @@
 #include "platform/errors.h"
 #include "platform/events.h"
 #include "platform/flexgrid.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 #include "supplier/cgGYSfrm.h"
@@ -19,7 +20,6 @@
 
 namespace {
 
-const QString kTitle = QStringLiteral("操作提示");
 const QString kAddCaption = QStringLiteral("增加供应商资料");
 const QString kChangeCaption = QStringLiteral("修改供应商资料");
 
@@ -62,38 +62,30 @@ void cgGYSdofrm::build(QWidget* w) {
     const int left = 360, labelWidth = 1200, boxLeft = 1620, boxHeight = 315, step = 420;
     for (int i = 0; i < 9; ++i) {
         const int top = 240 + i * step;
-        auto* lab = new QLabel(QString::fromUtf16(kFields[i].label), w);
-        lab->setObjectName(vb::ctlName(QStringLiteral("Label1"), i));
-        lab->setGeometry(vb::twips(left), vb::twips(top + 45), vb::twips(labelWidth),
-                         vb::twips(255));
+        auto* lab =
+            vb::label(w, vb::ctlName(QStringLiteral("Label1"), i),
+                      QString::fromUtf16(kFields[i].label), left, top + 45, labelWidth, 255);
         lab->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         if (i == 8) break;
         const int width = kFields[i].maxLength >= 30 ? 3600 : 2400;
-        auto* t = new QLineEdit(w);
-        t->setObjectName(vb::ctlName(QStringLiteral("Text1"), i));
+        auto* t = vb::control<QLineEdit>(w, vb::ctlName(QStringLiteral("Text1"), i), boxLeft, top,
+                                         width, boxHeight);
         t->setMaxLength(kFields[i].maxLength);
-        t->setGeometry(vb::twips(boxLeft), vb::twips(top), vb::twips(width), vb::twips(boxHeight));
         connect(t, &QLineEdit::textChanged, this, [this, i] { fieldChange(i); });
         vb::selectAllOnFocus(t);
         vb::enterAsTab(t);
         vb::onLostFocus(t, [this, i] { Text1_LostFocus(i); });
     }
-    auto* combo = new QComboBox(w);
-    combo->setObjectName(QStringLiteral("Combo1"));
+    auto* combo = vb::control<QComboBox>(w, QStringLiteral("Combo1"), boxLeft, 240 + 8 * step, 2400,
+                                         boxHeight);
     combo->addItems({QStringLiteral("出版商"), QStringLiteral("销售商")});
     combo->setCurrentIndex(-1);
-    combo->setGeometry(vb::twips(boxLeft), vb::twips(240 + 8 * step), vb::twips(2400),
-                       vb::twips(boxHeight));
     vb::enterAsTab(combo);
     // A list-only box has no Change of its own: picking a type raises no change flag.
 
-    const char16_t* captions[3] = {u"&A  保存增加", u"&S   保存", u"&X   关闭"};
-    for (int i = 0; i < 3; ++i) {
-        auto* b = new QPushButton(QString::fromUtf16(captions[i]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), i));
-        b->setGeometry(vb::twips(600 + i * 1620), vb::twips(4080), vb::twips(1335), vb::twips(375));
-        connect(b, &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
-    }
+    const char16_t* const captions[3] = {u"&A  保存增加", u"&S   保存", u"&X   关闭"};
+    vb::buttonRow(w, QStringLiteral("Command1"), captions, {600, 1620, 4080, 1335, 375}, this,
+                  [this](int i) { Command1_Click(i); });
 }
 
 void cgGYSdofrm::onLoad() {
@@ -138,8 +130,7 @@ void cgGYSdofrm::loadData() {
 
 void cgGYSdofrm::Text1_LostFocus(int index) {
     QLineEdit* t = Text1(index);
-    const QString text = vb::Trim(t->text());
-    if (text != t->text()) t->setText(text);
+    const QString text = vb::trimText(t);
     if (index != 0 || text.isEmpty()) return;
     const bool test = gysMode == 1 ? text != oldName && text != checkedName
                                    : (gysMode == 0 || gysMode == 2) && text != checkedName;
@@ -156,7 +147,7 @@ void cgGYSdofrm::Text1_LostFocus(int index) {
         return;
     }
     vb::MsgBox(QStringLiteral("单位名称'") + text + QStringLiteral("'已经存在，取消该操作。"),
-               vb::vbCritical, kTitle);
+               vb::vbCritical, vb::kMsgTitle);
     t->clear();
     checkedName.clear();
     t->setFocus();
@@ -176,7 +167,7 @@ bool cgGYSdofrm::checkInput() {
     };
     for (const Need& n : needs) {
         if (!n.text.isEmpty()) continue;
-        vb::MsgBox(QString::fromUtf16(n.message), vb::vbCritical, kTitle);
+        vb::MsgBox(QString::fromUtf16(n.message), vb::vbCritical, vb::kMsgTitle);
         n.w->setFocus();
         return false;
     }
@@ -218,7 +209,8 @@ void cgGYSdofrm::addGYS(int index) {
             conn.Execute(columns + values, &affected);
         }
         if (affected != 1) {
-            vb::MsgBox(QStringLiteral("供应商资料添加出错，取消该操作。"), vb::vbCritical, kTitle);
+            vb::MsgBox(QStringLiteral("供应商资料添加出错，取消该操作。"), vb::vbCritical,
+                       vb::kMsgTitle);
             return;
         }
         if (gysMode == 2) {
@@ -259,7 +251,7 @@ void cgGYSdofrm::updateGYS(int index) {
             }
             if (affected != 1) {
                 vb::MsgBox(QStringLiteral("供应商资料修改出错，取消该操作。"), vb::vbCritical,
-                           kTitle);
+                           vb::kMsgTitle);
                 return;
             }
             setGridRow(1, vb::form<cgGYSfrm>(), gridRow());

@@ -1,13 +1,14 @@
 #include "supplier/cgGYSfrm.h"
 
 #include "data/globals.h"
+#include "platform/Menu.h"
 #include "platform/adodb.h"
 #include "platform/errors.h"
 #include "platform/events.h"
 #include "platform/flexgrid.h"
+#include "platform/formkit.h"
 #include "platform/msgbox.h"
 #include "query/Findfrm.h"
-#include "platform/Menu.h"
 #include "supplier/cgGYSdofrm.h"
 
 #include <QKeyEvent>
@@ -17,7 +18,6 @@
 
 namespace {
 
-const QString kTitle = QStringLiteral("操作提示");
 constexpr int kButtons = 6;
 constexpr int kButtonWidth = 1215;
 constexpr int kButtonHeight = 375;
@@ -37,19 +37,13 @@ void cgGYSfrm::build(QWidget* w) {
     w->setWindowTitle(QStringLiteral("采购来源管理"));
     w->resize(vb::twips(10530), vb::twips(6360));
 
-    auto* grid = new vb::FlexGrid(w);
-    grid->setObjectName(QStringLiteral("Grid1"));
+    auto* grid = vb::control<vb::FlexGrid>(w, QStringLiteral("Grid1"), 0, 0, 10530, 5400);
     grid->setFixedCols(0);
     grid->setToolTip(QStringLiteral("<双击>或<回车>“修改”、<Del>“删除”"));
-    grid->setGeometry(0, 0, vb::twips(10530), vb::twips(5400));
 
-    for (int i = 0; i < kButtons; ++i) {
-        auto* b = new QPushButton(QString::fromUtf16(kCaptions[i]), w);
-        b->setObjectName(vb::ctlName(QStringLiteral("Command1"), i));
-        b->setGeometry(vb::twips(240 + i * 1680), vb::twips(5500), vb::twips(kButtonWidth),
-                       vb::twips(kButtonHeight));
-        connect(b, &QPushButton::clicked, this, [this, i] { Command1_Click(i); });
-    }
+    vb::buttonRow(w, QStringLiteral("Command1"), kCaptions,
+                  {240, 1680, 5500, kButtonWidth, kButtonHeight}, this,
+                  [this](int i) { Command1_Click(i); });
 
     connect(grid, &vb::FlexGrid::DblClick, this, [this] { Command1_Click(2); });
     connect(grid, &vb::FlexGrid::KeyDown, this, [this](int& key, int) {
@@ -102,10 +96,7 @@ void cgGYSfrm::onResize() {
         const int sw = ScaleWidth();
         const int sh = ScaleHeight();
         const int top = sh - kButtonHeight - 50;
-        for (int i = 0; i < kButtons; ++i) {
-            QWidget* b = ctl<QPushButton>(QStringLiteral("Command1"), i);
-            b->move(b->x(), vb::twips(top));
-        }
+        vb::moveRowTo(*this, QStringLiteral("Command1"), kButtons, top);
         vb::FlexGrid* grid = Grid1();
         grid->setGeometry(0, grid->y(), vb::twips(sw),
                           std::max(0, vb::twips(top - 100) - grid->y()));
@@ -188,7 +179,7 @@ void cgGYSfrm::deleteRows() {
     const int rowSel = grid->RowSel();
     if (grid->TextMatrix(row, 0).isEmpty() && grid->TextMatrix(rowSel, 0).isEmpty()) return;
     if (vb::MsgBox(QStringLiteral("是否确定删除所选择的来源资料，是否继续？"),
-                   vb::vbYesNo + vb::vbCritical, kTitle) == vb::vbNo)
+                   vb::vbYesNo + vb::vbCritical, vb::kMsgTitle) == vb::vbNo)
         return;
 
     adodb::Connection conn;
