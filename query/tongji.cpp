@@ -59,9 +59,6 @@ public:
     void open() {
         m_conn.Open(gConnStr);
         if (m_conn.dbms() != adodb::Dbms::SQLite) return;
-        // Inside a transaction every statement keeps a journal of its own, to undo it
-        // alone: in memory, not in a temporary file written page by page.
-        m_conn.Execute(QStringLiteral("PRAGMA temp_store=MEMORY"));
         m_conn.BeginTrans();
         m_batch = true;
     }
