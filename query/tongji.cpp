@@ -37,9 +37,37 @@ void trace(const QString& sql) {
 
 // The connection of a run's statements. It goes before the paper message: the reading
 // step opens its own.
+//
+// On the embedded database each statement on its own is a commit, with its sync to disk,
+// and the totals send three statements per group (by subscription number, thousands of
+// groups). There the run's statements share one transaction instead, which is committed
+// whatever happens, also when a statement fails: the print table then stays as far as it
+// was filled, as on the server, where each statement commits by itself.
 class Db {
 public:
-    void open() { m_conn.Open(gConnStr); }
+    Db() = default;
+    Db(const Db&) = delete;
+    Db& operator=(const Db&) = delete;
+    ~Db() {
+        if (!m_batch) return;
+        try {
+            m_conn.CommitTrans();
+        } catch (const std::exception&) {
+            // the error that unwinds the run is the one to report
+        }
+    }
+    void open() {
+        m_conn.Open(gConnStr);
+        if (m_conn.dbms() != adodb::Dbms::SQLite) return;
+        m_conn.BeginTrans();
+        m_batch = true;
+    }
+    // The end of the run's statements: what they wrote stands.
+    void done() {
+        if (!m_batch) return;
+        m_batch = false;
+        m_conn.CommitTrans();
+    }
     void exec(const QString& sql, long* affected = nullptr) {
         trace(sql);
         m_conn.Execute(sql, affected);
@@ -53,7 +81,18 @@ public:
 
 private:
     adodb::Connection m_conn;
+    bool m_batch = false;
 };
+
+// How a generator runs a step that may fail: "tclasscode" passes over the error, the
+// others let it end the run.
+using Step = std::function<void(const std::function<void()>&)>;
+void stopOnError(const std::function<void()>& step) {
+    step();
+}
+void passOver(const std::function<void()>& step) {
+    vb::resume(step);
+}
 
 // A value joined into SQL text as the runtime joins it: Null adds nothing, numbers in
 // their shortest form.
@@ -100,6 +139,40 @@ GroupConditions groupConditions(const QString& iiWhere, const QString& test) {
     return {iiWhere + QStringLiteral(" And ") + test,
             iiWhere + QStringLiteral(" And status<>0 And ") + test};
 }
+
+// What one group of a totals statistic sends: the insert of its row, the select of the
+// figures that go onto that row, and the update made of them when the select found a row.
+struct GroupSql {
+    QString insert;
+    QString figures;
+    std::function<QString(const adodb::Recordset&)> update;
+};
+
+// The loop the totals statistics share: for each row of the list, the group's statements.
+void eachGroup(Db& db, const QString& list, const std::function<GroupSql(const QVariant&)>& group,
+               const Step& step) {
+    std::unique_ptr<adodb::Recordset> groups;
+    step([&] { groups = db.query(list); });
+    auto more = [&] {
+        bool m = false;
+        step([&] { m = groups && !groups->EOF_(); });
+        return m;
+    };
+    while (more()) {
+        QVariant value;
+        step([&] { value = groups->value(0); });
+        const GroupSql g = group(value);
+        step([&] { db.exec(g.insert); });
+        step([&] {
+            auto found = db.query(g.figures);
+            if (!found->EOF_()) db.exec(g.update(*found));
+        });
+        step([&] { groups->MoveNext(); });
+    }
+}
+
+const QString kNullIsUndefined =
+    QStringLiteral("Update printTotalJE Set name='未定义' Where name IS Null");
 
 // The common tail: the paper message, then, with errors passed over, a new connection,
 // the reading statement and the report (or the message that nothing was found), and
@@ -157,6 +230,7 @@ void orderList(const QString& iiWhere, const QString& iiOrderby, const Present& 
         kinds = vb::CInt(static_cast<double>(affected));
         db.exec(QStringLiteral("Insert into printCG (bookname,bookcount,jine) Select '合  计',"
                                "sum(bookcount),sum(jine) From printCG"));
+        db.done();
     }
     readingStep(
         {vb::form<printCG>(), true,
@@ -180,6 +254,7 @@ void detail(const QString& iiWhere, const QString& iiOrderby, const Present& pre
                 iiOrderby);
         db.exec(QStringLiteral(
             "Insert into printMX (ysdate,[count]) Select '合  计',sum([count]) From printMX"));
+        db.done();
     }
     readingStep({vb::form<printMX>(), true,
                  QStringLiteral("select ysdate,bookname,author,publisher,bookfrom,price,[count] "
@@ -234,6 +309,7 @@ void classByBatch(const QString& iiWhere, const Present& present) {
                     label + u'\'');
             classes->MoveNext();
         }
+        db.done();
     }
     // The report groups by class: the rows are read shaped, one parent row per type.
     Reading r{vb::form<printLeibie>(), false,
@@ -254,41 +330,44 @@ void totalsByField(const QString& field, const QString& title, vb::DataReport& r
         Db db;
         db.open();
         db.exec(QStringLiteral("Delete From printTotalJE"));
-        auto groups = db.query(QStringLiteral("Select Distinct ") + field +
-                               QStringLiteral(" From cgk ") + iiWhere);
-        while (!groups->EOF_()) {
-            const QVariant value = groups->value(0);
-            const GroupConditions c = groupConditions(iiWhere, field + valueTest(value));
-            db.exec(QStringLiteral("Insert into printTotalJE (name,ydtype,ydcount,ydjine) ") +
+        eachGroup(
+            db, QStringLiteral("Select Distinct ") + field + QStringLiteral(" From cgk ") + iiWhere,
+            [&](const QVariant& value) {
+                const GroupConditions c = groupConditions(iiWhere, field + valueTest(value));
+                return GroupSql{
+                    QStringLiteral("Insert into printTotalJE (name,ydtype,ydcount,ydjine) ") +
+                        QStringLiteral("Select ") + field +
+                        QStringLiteral(",count(bookname) as ydtype,sum(iC) as ydcount,sum(iJ) as "
+                                       "ydjine From ") +
+                        QStringLiteral("(Select ") + field +
+                        QStringLiteral(",bookname,sum(bookcount) as iC,sum(price*bookcount) as iJ "
+                                       "From cgk ") +
+                        c.ordered + QStringLiteral(" Group By ") + field +
+                        QStringLiteral(",bookname) as TT ") + QStringLiteral("Group by ") + field +
+                        QStringLiteral(" Order By ") + field,
                     QStringLiteral("Select ") + field +
-                    QStringLiteral(",count(bookname) as ydtype,sum(iC) as ydcount,sum(iJ) as "
-                                   "ydjine From ") +
-                    QStringLiteral("(Select ") + field +
-                    QStringLiteral(",bookname,sum(bookcount) as iC,sum(price*bookcount) as iJ "
-                                   "From cgk ") +
-                    c.ordered + QStringLiteral(" Group By ") + field +
-                    QStringLiteral(",bookname) as TT ") + QStringLiteral("Group by ") + field +
-                    QStringLiteral(" Order By ") + field);
-            auto ys = db.query(
-                QStringLiteral("Select ") + field +
-                QStringLiteral(",count(bookname) as ystype,sum(iC) as yscount,sum(iJ) as ysjine "
-                               "From ") +
-                QStringLiteral("(Select ") + field +
-                QStringLiteral(",bookname,sum(yscount) as iC,sum(ysprice*yscount) as iJ From "
-                               "cgk ") +
-                c.accepted + QStringLiteral(" Group By ") + field +
-                QStringLiteral(",bookname) as TT ") + QStringLiteral("Group by ") + field +
-                QStringLiteral(" Order By ") + field);
-            // The Null group's name compares with an empty text: it keeps no accepted figures.
-            if (!ys->EOF_()) db.exec(acceptedUpdate(*ys, joined(value), true));
-            groups->MoveNext();
-        }
+                        QStringLiteral(",count(bookname) as ystype,sum(iC) as yscount,sum(iJ) as "
+                                       "ysjine From ") +
+                        QStringLiteral("(Select ") + field +
+                        QStringLiteral(",bookname,sum(yscount) as iC,sum(ysprice*yscount) as iJ "
+                                       "From cgk ") +
+                        c.accepted + QStringLiteral(" Group By ") + field +
+                        QStringLiteral(",bookname) as TT ") + QStringLiteral("Group by ") + field +
+                        QStringLiteral(" Order By ") + field,
+                    // The Null group's name compares with an empty text: it keeps no
+                    // accepted figures.
+                    [name = joined(value)](const adodb::Recordset& ys) {
+                        return acceptedUpdate(ys, name, true);
+                    }};
+            },
+            stopOnError);
         db.exec(QStringLiteral("Insert Into printTotalJE (name,ydtype,ydcount,ydjine,ystype,"
                                "yscount,ysjine) ") +
                 QStringLiteral("Select '合计',sum(ydtype),sum(ydcount),sum(ydjine),sum(ystype),"
                                "sum(yscount),sum(ysjine) From printTotalJE"));
         // After the total row, so it cannot be renamed.
-        db.exec(QStringLiteral("Update printTotalJE Set name='未定义' Where name IS Null"));
+        db.exec(kNullIsUndefined);
+        db.done();
     }
     readingStep({report, landscapePaper, kReadTotalJE, title}, present);
 }
@@ -299,68 +378,56 @@ void totalsByField(const QString& field, const QString& title, vb::DataReport& r
 void totalsByClass(const QString& iiWhere, const Present& present) {
     {
         Db db;
-        auto go = [](const std::function<void()>& statement) { vb::resume(statement); };
+        const Step& go = passOver;
         go([&] { db.open(); });
         go([&] { db.exec(QStringLiteral("Delete From printTotalJE")); });
-        std::unique_ptr<adodb::Recordset> classes;
-        go([&] {
-            classes = db.query(
-                QStringLiteral("Select Distinct left(classcode,1) AS type From cgk ") + iiWhere);
-        });
-        auto more = [&] {
-            bool m = false;
-            go([&] { m = classes && !classes->EOF_(); });
-            return m;
-        };
-        while (more()) {
-            QVariant value;
-            go([&] { value = classes->value(0); });
-            QString test, label;
-            if (value.isNull()) {
-                test = QStringLiteral("(classcode IS NUll OR classcode='')");
-                label = QStringLiteral("其它");
-            } else {
-                test = QStringLiteral("left(classcode,1)='") + joined(value) + u'\'';
-                label = vb::Left(joined(value), 1);
-            }
-            const GroupConditions c = groupConditions(iiWhere, test);
-            go([&] {
-                auto name =
-                    db.query(QStringLiteral("Select name From type Where type='") + label + u'\'');
-                label = joined(name->value(QStringLiteral("name")));
-            });
-            go([&] {
-                db.exec(QStringLiteral("Insert into printTotalJE (name,ydtype,ydcount,ydjine) ") +
+        eachGroup(
+            db, QStringLiteral("Select Distinct left(classcode,1) AS type From cgk ") + iiWhere,
+            [&](const QVariant& value) {
+                QString test, label;
+                if (value.isNull()) {
+                    test = QStringLiteral("(classcode IS NUll OR classcode='')");
+                    label = QStringLiteral("其它");
+                } else {
+                    test = QStringLiteral("left(classcode,1)='") + joined(value) + u'\'';
+                    label = vb::Left(joined(value), 1);
+                }
+                const GroupConditions c = groupConditions(iiWhere, test);
+                // A letter the type table does not know keeps the letter.
+                go([&] {
+                    auto name = db.query(QStringLiteral("Select name From type Where type='") +
+                                         label + u'\'');
+                    label = joined(name->value(QStringLiteral("name")));
+                });
+                return GroupSql{
+                    QStringLiteral("Insert into printTotalJE (name,ydtype,ydcount,ydjine) ") +
                         QStringLiteral("Select iType,count(bookname) as ydtype,sum(iC) as "
                                        "ydcount,sum(iJ) as ydjine From ") +
                         QStringLiteral("(Select '") + label +
                         QStringLiteral("' as iType,bookname,sum(bookcount) as iC,"
                                        "sum(price*bookcount) as iJ From cgk ") +
                         c.ordered + QStringLiteral(" Group By bookname) as TT ") +
-                        QStringLiteral("Group by iType Order By iType"));
-            });
-            go([&] {
-                auto ys = db.query(
+                        QStringLiteral("Group by iType Order By iType"),
                     QStringLiteral("Select iType,count(bookname) as ystype,sum(iC) as yscount,"
                                    "sum(iJ) as ysjine From ") +
-                    QStringLiteral("(Select '") + label +
-                    QStringLiteral("' as iType,bookname,sum(yscount) as iC,sum(ysprice*yscount) "
-                                   "as iJ From cgk ") +
-                    c.accepted + QStringLiteral(" Group By bookname) as TT ") +
-                    QStringLiteral("Group by iType Order By iType"));
-                if (!ys->EOF_()) db.exec(acceptedUpdate(*ys, label, true));
-            });
-            go([&] { classes->MoveNext(); });
-        }
+                        QStringLiteral("(Select '") + label +
+                        QStringLiteral("' as iType,bookname,sum(yscount) as iC,"
+                                       "sum(ysprice*yscount) as iJ From cgk ") +
+                        c.accepted + QStringLiteral(" Group By bookname) as TT ") +
+                        QStringLiteral("Group by iType Order By iType"),
+                    [label](const adodb::Recordset& ys) {
+                        return acceptedUpdate(ys, label, true);
+                    }};
+            },
+            go);
         go([&] {
             db.exec(QStringLiteral("Insert Into printTotalJE (name,ydtype,ydcount,ydjine,ystype,"
                                    "yscount,ysjine) ") +
                     QStringLiteral("Select '合计',sum(ydtype),sum(ydcount),sum(ydjine),"
                                    "sum(ystype),sum(yscount),sum(ysjine) From printTotalJE"));
         });
-        go([&] {
-            db.exec(QStringLiteral("Update printTotalJE Set name='未定义' Where name IS Null"));
-        });
+        go([&] { db.exec(kNullIsUndefined); });
+        go([&] { db.done(); });
     }
     readingStep({vb::form<printJinECB>(), false, kReadTotalJE, QStringLiteral("作品分类")},
                 present);
@@ -374,37 +441,40 @@ void arrivalRate(const QString& iiWhere, const Present& present) {
         Db db;
         db.open();
         db.exec(QStringLiteral("Delete From printTotalJE"));
-        auto groups = db.query(QStringLiteral("Select Distinct ") + field +
-                               QStringLiteral(" From cgk ") + iiWhere);
-        while (!groups->EOF_()) {
-            const QVariant value = groups->value(0);
-            const GroupConditions c = groupConditions(iiWhere, field + valueTest(value));
-            // The blank before the bracket of the inner select is part of the text.
-            db.exec(QStringLiteral("Insert into printTotalJE (name,ydtype,ydcount) ") +
+        eachGroup(
+            db, QStringLiteral("Select Distinct ") + field + QStringLiteral(" From cgk ") + iiWhere,
+            [&](const QVariant& value) {
+                const GroupConditions c = groupConditions(iiWhere, field + valueTest(value));
+                // The blank before the bracket of the inner select is part of the text.
+                return GroupSql{
+                    QStringLiteral("Insert into printTotalJE (name,ydtype,ydcount) ") +
+                        QStringLiteral("Select ") + field +
+                        QStringLiteral(",count(bookname) as ydtype,sum(iC) as ydcount From ") +
+                        QStringLiteral("(Select ") + field +
+                        QStringLiteral(",bookname,sum(bookcount) as iC From cgk ") + c.ordered +
+                        QStringLiteral(" Group By ") + field +
+                        QStringLiteral(",bookname ) as TT ") + QStringLiteral("Group by ") + field +
+                        QStringLiteral(" Order By ") + field,
                     QStringLiteral("Select ") + field +
-                    QStringLiteral(",count(bookname) as ydtype,sum(iC) as ydcount From ") +
-                    QStringLiteral("(Select ") + field +
-                    QStringLiteral(",bookname,sum(bookcount) as iC From cgk ") + c.ordered +
-                    QStringLiteral(" Group By ") + field + QStringLiteral(",bookname ) as TT ") +
-                    QStringLiteral("Group by ") + field + QStringLiteral(" Order By ") + field);
-            auto ys = db.query(
-                QStringLiteral("Select ") + field +
-                QStringLiteral(",count(bookname) as ystype,sum(iC) as yscount From ") +
-                QStringLiteral("(Select ") + field +
-                QStringLiteral(",bookname,sum(yscount) as iC From cgk ") + c.accepted +
-                QStringLiteral(" Group By ") + field + QStringLiteral(",bookname) as TT ") +
-                QStringLiteral("Group by ") + field + QStringLiteral(" Order By ") + field);
-            if (!ys->EOF_()) db.exec(acceptedUpdate(*ys, joined(value), false));
-            groups->MoveNext();
-        }
+                        QStringLiteral(",count(bookname) as ystype,sum(iC) as yscount From ") +
+                        QStringLiteral("(Select ") + field +
+                        QStringLiteral(",bookname,sum(yscount) as iC From cgk ") + c.accepted +
+                        QStringLiteral(" Group By ") + field + QStringLiteral(",bookname) as TT ") +
+                        QStringLiteral("Group by ") + field + QStringLiteral(" Order By ") + field,
+                    [name = joined(value)](const adodb::Recordset& ys) {
+                        return acceptedUpdate(ys, name, false);
+                    }};
+            },
+            stopOnError);
         db.exec(QStringLiteral("Insert Into printTotalJE (name,ydtype,ydcount,ystype,yscount) ") +
                 QStringLiteral("Select '合计',sum(ydtype),sum(ydcount),sum(ystype),sum(yscount) "
                                "From printTotalJE"));
-        db.exec(QStringLiteral("Update printTotalJE Set name='未定义' Where name IS Null"));
+        db.exec(kNullIsUndefined);
         // The two amount columns take the percentages, in the database's own arithmetic:
         // whole numbers divide to a whole number.
         db.exec(QStringLiteral(
             "Update printTotalJE Set ydjine=100*ystype/ydtype,ysjine=100*yscount/ydcount"));
+        db.done();
     }
     readingStep({vb::form<printJinELV>(), false, kReadTotalJE, QString()}, present);
 }
@@ -416,36 +486,40 @@ void payment(const QString& iiWhere, const Present& present) {
         Db db;
         db.open();
         db.exec(QStringLiteral("Delete From printTotalJE"));
-        auto sources = db.query(QStringLiteral("Select Distinct bookfrom From cgk ") + iiWhere);
-        while (!sources->EOF_()) {
-            const QString test = valueTest(sources->value(0));
-            const QString condition =
-                iiWhere.isEmpty() ? QStringLiteral(" Where status<>0 And bookfrom") + test
-                                  : iiWhere + QStringLiteral(" And status<>0 And bookfrom") + test;
-            // ydjine here is what the accepted books are worth: the amount payable.
-            db.exec(QStringLiteral("Insert Into printTotalJE (name,ydtype,ydcount,ydjine) ") +
-                    QStringLiteral("Select bookfrom,count(bookname) as ydtype,sum(iC) as "
-                                   "ydcount,sum(iJ) as ydjine From ") +
-                    QStringLiteral("(Select bookfrom,bookname,sum(yscount) as iC,"
-                                   "sum(ysprice*yscount) as iJ From cgk ") +
-                    condition + QStringLiteral(" Group By bookfrom,bookname) as TT ") +
-                    QStringLiteral("Group by bookfrom Order By bookfrom"));
-            // Every row of a voucher carries the voucher's whole amount: grouping by batch
-            // and amount first makes the sum count each voucher once.
-            auto paid =
-                db.query(QStringLiteral("Select bookfrom,sum(ysjine) From ") +
-                         QStringLiteral("(Select bookfrom,batch,ysjine From cgk ") + condition +
-                         QStringLiteral(" Group By bookfrom,batch,ysjine) as TT ") +
-                         QStringLiteral("Group By bookfrom Order By bookfrom"));
-            if (!paid->EOF_())
-                db.exec(QStringLiteral("Update printTotalJE Set ysjine=") + joined(paid->value(1)) +
-                        QStringLiteral(" Where name") + test);
-            sources->MoveNext();
-        }
+        eachGroup(
+            db, QStringLiteral("Select Distinct bookfrom From cgk ") + iiWhere,
+            [&](const QVariant& value) {
+                const QString test = valueTest(value);
+                const QString condition =
+                    iiWhere.isEmpty()
+                        ? QStringLiteral(" Where status<>0 And bookfrom") + test
+                        : iiWhere + QStringLiteral(" And status<>0 And bookfrom") + test;
+                return GroupSql{
+                    // ydjine here is what the accepted books are worth: the amount payable.
+                    QStringLiteral("Insert Into printTotalJE (name,ydtype,ydcount,ydjine) ") +
+                        QStringLiteral("Select bookfrom,count(bookname) as ydtype,sum(iC) as "
+                                       "ydcount,sum(iJ) as ydjine From ") +
+                        QStringLiteral("(Select bookfrom,bookname,sum(yscount) as iC,"
+                                       "sum(ysprice*yscount) as iJ From cgk ") +
+                        condition + QStringLiteral(" Group By bookfrom,bookname) as TT ") +
+                        QStringLiteral("Group by bookfrom Order By bookfrom"),
+                    // Every row of a voucher carries the voucher's whole amount: grouping by
+                    // batch and amount first makes the sum count each voucher once.
+                    QStringLiteral("Select bookfrom,sum(ysjine) From ") +
+                        QStringLiteral("(Select bookfrom,batch,ysjine From cgk ") + condition +
+                        QStringLiteral(" Group By bookfrom,batch,ysjine) as TT ") +
+                        QStringLiteral("Group By bookfrom Order By bookfrom"),
+                    [test](const adodb::Recordset& paid) {
+                        return QStringLiteral("Update printTotalJE Set ysjine=") +
+                               joined(paid.value(1)) + QStringLiteral(" Where name") + test;
+                    }};
+            },
+            stopOnError);
         db.exec(QStringLiteral("Insert Into printTotalJE (name,ydtype,ydcount,ydjine,ysjine) ") +
                 QStringLiteral("Select '合计',sum(ydtype),sum(ydcount),sum(ydjine),sum(ysjine) "
                                "From printTotalJE"));
         db.exec(QStringLiteral("Update printTotalJE Set ystype=(ysjine/ydjine)*100"));
+        db.done();
     }
     readingStep(
         {vb::form<printTotalJine>(), false,

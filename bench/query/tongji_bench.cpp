@@ -87,7 +87,9 @@ int main(int argc, char** argv) {
                    .arg(path, QStringLiteral(ORVANE_COMPAT_MODULE));
     vb::setMsgBoxProvider(std::make_shared<vb::ScriptedMsgBox>());
     std::printf("%d orders\n", orders);
+    const QStringList only = argc > 2 ? QString::fromLocal8Bit(argv[2]).split(u',') : QStringList();
     for (const QString& t : tongji::printTypes()) {
+        if (!only.isEmpty() && !only.contains(t)) continue;
         long rows = 0;
         QElapsedTimer timer;
         timer.start();
