@@ -33,13 +33,46 @@ struct Cell {
 struct Table {
     long rows = 0;
     int cols = 0;
-    std::vector<Cell> cells;       // row after row
-    std::vector<char> bytes;       // texts and binary values, one after the other
     std::vector<QDateTime> stamps; // each distinct date once
     std::vector<QVariant> others;  // rows built in memory, kept as given
+
+    // The cells row after row, in chunks: a growing result is never copied, and memory
+    // is touched once.
+    static constexpr size_t kChunkBits = 14; // 16384 cells, 256 KB
+    static constexpr size_t kChunkMask = (size_t(1) << kChunkBits) - 1;
+    std::vector<std::unique_ptr<Cell[]>> chunks;
+    size_t used = 0;
+    void push(const Cell& c) {
+        if ((used >> kChunkBits) == chunks.size())
+            chunks.push_back(std::make_unique<Cell[]>(kChunkMask + 1));
+        chunks[used >> kChunkBits][used & kChunkMask] = c;
+        ++used;
+    }
+    // Texts and binary values, one after the other in chunks of their own; a value is
+    // addressed by chunk (high 32 bits) and offset.
+    static constexpr size_t kByteChunk = size_t(1) << 18;
+    std::vector<std::unique_ptr<char[]>> byteChunks;
+    size_t byteUsed = 0;
+    size_t byteRoom = 0;
+    qint64 putBytes(const char* p, size_t len, size_t align) {
+        size_t off = (byteUsed + align - 1) & ~(align - 1);
+        if (byteChunks.empty() || off + len > byteRoom) {
+            byteRoom = std::max(kByteChunk, len);
+            byteChunks.push_back(std::make_unique_for_overwrite<char[]>(byteRoom));
+            off = 0;
+        }
+        if (len) std::memcpy(byteChunks.back().get() + off, p, len);
+        byteUsed = off + len;
+        return static_cast<qint64>(((byteChunks.size() - 1) << 32) | off);
+    }
+    const char* bytesAt(qint64 i) const {
+        return byteChunks[static_cast<size_t>(i >> 32)].get() + (i & 0xffffffff);
+    }
+
     const Cell& at(long row, int col) const {
-        return cells[static_cast<size_t>(row) * static_cast<size_t>(cols) +
-                     static_cast<size_t>(col)];
+        const size_t k =
+            static_cast<size_t>(row) * static_cast<size_t>(cols) + static_cast<size_t>(col);
+        return chunks[k >> kChunkBits][k & kChunkMask];
     }
 };
 
@@ -237,11 +270,11 @@ public:
         // cell is shared, text and all.
         if (c.hasLast && ind == c.lastInd && len == c.lastRaw.size() &&
             (len == 0 || std::memcmp(p, c.lastRaw.data(), len) == 0)) {
-            m_table->cells.push_back(c.last);
+            m_table->push(c.last);
             return;
         }
         const Cell cell = ind == SQL_NULL_DATA ? Cell{} : make(c, p, len);
-        m_table->cells.push_back(cell);
+        m_table->push(cell);
         c.last = cell;
         c.lastInd = ind;
         c.lastRaw.assign(p, p + len);
@@ -296,17 +329,12 @@ private:
             break;
         }
         default: {
-            std::vector<char>& bytes = m_table->bytes;
             cell.kind = c.cType == SQL_C_CHAR    ? Cell::Utf8
                         : c.cType == SQL_C_WCHAR ? Cell::Utf16
                                                  : Cell::Bytes;
-            if (cell.kind == Cell::Utf16) {
-                len &= ~size_t(1);
-                if (bytes.size() % 2) bytes.push_back(0); // UTF-16 starts on an even offset
-            }
-            cell.i = static_cast<qint64>(bytes.size());
+            if (cell.kind == Cell::Utf16) len &= ~size_t(1);
+            cell.i = m_table->putBytes(p, len, cell.kind == Cell::Utf16 ? 2 : 1);
             cell.len = static_cast<quint32>(len);
-            bytes.insert(bytes.end(), p, p + len);
         }
         }
         return cell;
@@ -502,7 +530,6 @@ std::shared_ptr<const Table> tableOf(int cols, std::vector<std::vector<QVariant>
     auto t = std::make_shared<Table>();
     t->cols = cols;
     t->rows = static_cast<long>(rows.size());
-    t->cells.reserve(rows.size() * static_cast<size_t>(cols));
     t->others.reserve(rows.size() * static_cast<size_t>(cols));
     for (auto& row : rows)
         for (size_t c = 0; c < static_cast<size_t>(cols); ++c) {
@@ -510,7 +537,7 @@ std::shared_ptr<const Table> tableOf(int cols, std::vector<std::vector<QVariant>
             cell.kind = Cell::Other;
             cell.i = static_cast<qint64>(t->others.size());
             t->others.push_back(c < row.size() ? std::move(row[c]) : QVariant());
-            t->cells.push_back(cell);
+            t->push(cell);
         }
     return t;
 }
@@ -882,7 +909,7 @@ QVariant Recordset::value(long row, int index) const {
         return QVariant(QTime(static_cast<int>(c.i / 3600), static_cast<int>(c.i / 60 % 60),
                               static_cast<int>(c.i % 60)));
     case Cell::Bytes:
-        return QVariant(QByteArray(t.bytes.data() + c.i, static_cast<qsizetype>(c.len)));
+        return QVariant(QByteArray(t.bytesAt(c.i), static_cast<qsizetype>(c.len)));
     case Cell::Other:
         return t.others[static_cast<size_t>(c.i)];
     case Cell::Utf8:
@@ -892,7 +919,7 @@ QVariant Recordset::value(long row, int index) const {
     // Rows that repeat a text share its bytes: decode it once.
     Decoded& d = m_decoded[static_cast<size_t>(index)];
     if (d.at != c.i || d.len != c.len) {
-        const char* p = t.bytes.data() + c.i;
+        const char* p = t.bytesAt(c.i);
         d.text = c.kind == Cell::Utf8 ? QString::fromUtf8(p, static_cast<qsizetype>(c.len))
                                       : QString::fromUtf16(reinterpret_cast<const char16_t*>(p),
                                                            static_cast<qsizetype>(c.len / 2));
