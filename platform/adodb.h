@@ -4,6 +4,10 @@
 // fetched in blocks into bound buffers (Qt's ODBC plugin fetches cell by cell and clears a
 // buffer of the column's declared size for each cell, which is twenty times slower).
 //
+// A result is kept flat: one array of small cells for all its rows, texts as the driver's
+// bytes in one shared buffer, each distinct date built once. A QVariant (and a QString) is
+// made only when a cell is asked for, so opening a large result allocates nothing per row.
+//
 // Profile strings are ADO strings: the "PROVIDER=MSDASQL;" item is dropped and the rest is
 // handed to the ODBC driver manager as it stands. "PROVIDER=MSDataShape" is the same plus
 // data shaping: "SHAPE {inner} AS name COMPUTE name BY 'col'" gives one parent row per
@@ -50,6 +54,7 @@ QString adoErrorText(int number);
 enum class Dbms { Unknown, SqlServer, SQLite, Other };
 
 class Recordset;
+struct Table; // the fetched rows (adodb.cpp)
 
 class Connection {
 public:
@@ -84,6 +89,9 @@ public:
 
     // The ODBC connection handle (SQLHDBC), for the few direct calls of platform/.
     void* handle() const { return m_dbc; }
+    // Texts are read as the driver's UTF-8 rather than UTF-16 (the SQLite driver keeps them
+    // so, and a conversion per cell costs more than the rest of the fetch).
+    bool utf8Text() const { return m_utf8Text; }
 
 private:
     friend class Recordset;
@@ -97,6 +105,7 @@ private:
     std::vector<QString> m_guestWrites; // other connections' writes inside this transaction
     bool m_shaped = false;
     bool m_open = false;
+    bool m_utf8Text = false;
     Dbms m_dbms = Dbms::Unknown;
 };
 
@@ -127,7 +136,7 @@ public:
     // for keyset and static ones.
     long RecordCount() const;
     // The number of rows actually fetched, whatever the cursor (the grids use it).
-    long rowCount() const { return static_cast<long>(m_rows.size()); }
+    long rowCount() const;
     // Zero-based position, -1 before the first row, rowCount() after the last.
     long position() const { return m_pos; }
 
@@ -145,8 +154,9 @@ public:
     QString text(int index) const;
     QString text(const QString& name) const;
 
-    // Direct access to the fetched rows (the grid binds from here).
-    const std::vector<QVariant>& row(long i) const { return m_rows[static_cast<size_t>(i)]; }
+    // Any fetched row, wherever the cursor is (the grid and the reports read all rows this
+    // way): row 0 .. rowCount()-1, NULL as an invalid QVariant. Out of range: 3265.
+    QVariant value(long row, int index) const;
 
     // Shaped recordsets: the child recordset of the current parent row (chapter column).
     Recordset* child(const QString& chapterName) const;
@@ -161,13 +171,25 @@ private:
     friend class Connection;
     void load(Connection& conn, const QString& sql, int cursorType);
     void loadShaped(Connection& conn, const QString& sql, int cursorType);
+    void take(QStringList names, std::shared_ptr<const Table> table, int cursorType);
     void requireCurrent() const;
+    long tableRow(long row) const {
+        return m_rowMap.empty() ? row : m_rowMap[static_cast<size_t>(row)];
+    }
 
     bool m_open = false;
     int m_cursorType = adOpenForwardOnly;
     long m_pos = -1;
     QStringList m_names;
-    std::vector<std::vector<QVariant>> m_rows;
+    std::shared_ptr<const Table> m_table;
+    std::vector<long> m_rowMap; // a child of a shaped recordset: its rows of the shared table
+    // The last text decoded per column: a repeated text (shared by the rows) is decoded once.
+    struct Decoded {
+        qint64 at = -1;
+        quint32 len = 0;
+        QString text;
+    };
+    mutable std::vector<Decoded> m_decoded;
     QString m_chapterName;
     std::vector<std::unique_ptr<Recordset>> m_children; // one per parent row
 };

@@ -453,10 +453,9 @@ void FlexGrid::bind(const adodb::Recordset& rs, bool keepBlankRow) {
     std::vector<QString> cells(static_cast<size_t>(rows) * static_cast<size_t>(cols));
     for (int c = 0; c < fieldCount; ++c) cells[static_cast<size_t>(c + offset)] = rs.fieldName(c);
     for (long r = 0; r < n; ++r) {
-        const auto& row = rs.row(r);
         QString* out = &cells[static_cast<size_t>((r + 1) * cols + offset)];
         for (int c = 0; c < fieldCount; ++c) {
-            const QVariant& v = row[static_cast<size_t>(c)];
+            const QVariant v = rs.value(r, c);
             if (v.isNull()) continue;
             switch (v.typeId()) {
             case QMetaType::QString:

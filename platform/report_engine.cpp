@@ -153,14 +153,16 @@ void ReportEngine::setData(std::shared_ptr<adodb::Recordset> rs, const QString& 
             g.rows.resize(static_cast<size_t>(g.rs->rowCount()));
             for (long k = 0; k < g.rs->rowCount(); ++k) g.rows[static_cast<size_t>(k)] = k;
             m_groups.push_back(std::move(g));
-            parents.push_back({rs->row(i), rs->fieldNames()});
+            Parent p{{}, rs->fieldNames()};
+            for (int k = 0; k < rs->fieldCount(); ++k) p.row.push_back(rs->value(i, k));
+            parents.push_back(std::move(p));
         }
         rs->MoveFirst();
     } else if (grouped && rs->fieldIndex(m_layout.groupBy) >= 0) {
-        const auto by = static_cast<size_t>(rs->fieldIndex(m_layout.groupBy));
+        const int by = rs->fieldIndex(m_layout.groupBy);
         std::vector<QVariant> keys;
         for (long i = 0; i < rs->rowCount(); ++i) {
-            const QVariant& key = rs->row(i)[by];
+            const QVariant key = rs->value(i, by);
             size_t g = 0;
             while (g < keys.size() && !(keys[g] == key && keys[g].isNull() == key.isNull())) ++g;
             if (g == keys.size()) {
@@ -209,8 +211,7 @@ void ReportEngine::setData(std::shared_ptr<adodb::Recordset> rs, const QString& 
                 }
                 const int col = g.rs->fieldIndex(c.text);
                 if (col < 0) throw missing(c.text);
-                out.push_back(g.rows.empty() ? QVariant()
-                                             : g.rs->row(g.rows.front())[static_cast<size_t>(col)]);
+                out.push_back(g.rows.empty() ? QVariant() : g.rs->value(g.rows.front(), col));
             }
         };
         take(m_layout.groupHeader, g.gh);
@@ -233,7 +234,7 @@ QVariant ReportEngine::fieldValue(Sec s, size_t ci, int group, long row) const {
         const int col = m_detailCol[ci];
         if (col < 0 || group < 0) return {};
         const Group& g = m_groups[static_cast<size_t>(group)];
-        return g.rs->row(g.rows[static_cast<size_t>(row)])[static_cast<size_t>(col)];
+        return g.rs->value(g.rows[static_cast<size_t>(row)], col);
     }
     if (isGroupSection(s) && group >= 0) {
         const Group& g = m_groups[static_cast<size_t>(group)];
