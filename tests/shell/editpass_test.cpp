@@ -11,6 +11,8 @@
 
 using testsupport::boxes;
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 class EditPassTest : public testsupport::DbTest {
@@ -19,16 +21,16 @@ protected:
         DbTest::SetUp();
         shelltest::resetGlobals();
         gConnStr = makeDatabase(false);
-        gLoginName = QStringLiteral("admin");
+        gLoginName = u"admin"_s;
         form().Show(0);
     }
     EditPassFrm& form() { return vb::form<EditPassFrm>(); }
-    QLineEdit* box(int i) { return form().ctl<QLineEdit>(QStringLiteral("Text1"), i); }
+    QLineEdit* box(int i) { return form().ctl<QLineEdit>(u"Text1"_s, i); }
     void change(const QString& oldPw, const QString& newPw, const QString& again) {
         box(0)->setText(oldPw);
         box(1)->setText(newPw);
         box(2)->setText(again);
-        shelltest::click(form().ctl<QPushButton>(QStringLiteral("CmdOk")));
+        shelltest::click(form().ctl<QPushButton>(u"CmdOk"_s));
     }
     QString stored() {
         return testsupport::querySqlite(
@@ -67,6 +69,9 @@ TEST_F(EditPassTest, EveryPath) {
          "你输入的密码是空的，确定要把密码设为空吗？(Y/N)", 324, "", "admin", true},
         {"good change", "admin", "s3cret", "s3cret", 0, "密码修改成功！请使用新密码！", 64, "提示",
          "s3cret", false},
+        // Yes to the question: the last box is the success.
+        {"empty, answered Yes", "s3cret", "", "", vb::vbYes, "密码修改成功！请使用新密码！", 64,
+         "提示", "", false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -74,7 +79,8 @@ TEST_F(EditPassTest, EveryPath) {
         if (!form().isLoaded()) form().Show(0);
         if (c.answer) boxes().answer(c.answer);
         change(QString::fromUtf8(c.oldPw), QString::fromUtf8(c.newPw), QString::fromUtf8(c.again));
-        ASSERT_EQ(boxes().calls().size(), 1u) << boxes().prompts().join(u'|').toStdString();
+        ASSERT_EQ(boxes().calls().size(), c.answer == vb::vbYes ? 2u : 1u)
+            << boxes().prompts().join(u'|').toStdString();
         EXPECT_EQ(boxes().last().prompt, QString::fromUtf8(c.message));
         EXPECT_EQ(boxes().last().flags, c.flags);
         EXPECT_EQ(boxes().last().title, *c.title ? QString::fromUtf8(c.title) : vb::appTitle());
@@ -86,50 +92,34 @@ TEST_F(EditPassTest, EveryPath) {
     }
 }
 
-TEST_F(EditPassTest, EmptyPasswordConfirmedWithYes) {
-    boxes().answer(vb::vbYes);
-    change(QStringLiteral("admin"), QString(), QString());
-    EXPECT_EQ(boxes().prompts(),
-              (QStringList{QStringLiteral("你输入的密码是空的，确定要把密码设为空吗？(Y/N)"),
-                           QStringLiteral("密码修改成功！请使用新密码！")}));
-    EXPECT_EQ(stored(), QString());
-    EXPECT_FALSE(form().isLoaded());
-}
-
-TEST_F(EditPassTest, UserDeletedMeanwhileClosesTheDialog) {
-    testsupport::execSqlite(dbPath(), QStringLiteral("DELETE FROM LibUse WHERE username='admin'"));
-    change(QStringLiteral("admin"), QStringLiteral("x"), QStringLiteral("x"));
-    ASSERT_EQ(boxes().calls().size(), 1u);
-    EXPECT_EQ(boxes().last().prompt, QStringLiteral("当前用户已经被删除！"));
-    EXPECT_EQ(boxes().last().flags, 16);
-    EXPECT_EQ(boxes().last().title, QStringLiteral("提示"));
-    EXPECT_FALSE(form().isLoaded());
-}
-
-TEST_F(EditPassTest, DatabaseFailureKeepsTheOldPassword) {
+// A database that fails keeps the form and the password; a user deleted meanwhile is told
+// so and the form closes.
+TEST_F(EditPassTest, FailureStaysDeletedUserCloses) {
+    const QString good = gConnStr;
     gConnStr = shelltest::brokenProfile();
-    change(QStringLiteral("admin"), QStringLiteral("x"), QStringLiteral("x"));
-    ASSERT_EQ(boxes().calls().size(), 1u);
-    EXPECT_EQ(boxes().last().prompt, QStringLiteral("密码修改失败！请使用原密码！"));
-    EXPECT_EQ(boxes().last().flags, 16);
-    EXPECT_TRUE(form().isLoaded());
-    EXPECT_EQ(stored(), QStringLiteral("admin"));
+    change(u"admin"_s, u"x"_s, u"x"_s);
+    gConnStr = good;
+    testsupport::execSqlite(dbPath(), u"DELETE FROM LibUse WHERE username='admin'"_s);
+    change(u"admin"_s, u"x"_s, u"x"_s);
+    const auto& c = boxes().calls();
+    ASSERT_EQ(c.size(), 2u);
+    EXPECT_EQ(std::tuple(c[0].prompt, c[0].flags, c[0].title),
+              std::tuple(u"密码修改失败！请使用原密码！"_s, 16, u"提示"_s));
+    EXPECT_EQ(std::tuple(c[1].prompt, c[1].flags, c[1].title),
+              std::tuple(u"当前用户已经被删除！"_s, 16, u"提示"_s));
+    EXPECT_FALSE(form().isLoaded());
 }
 
-TEST_F(EditPassTest, FocusColoursAndLabels) {
-    EXPECT_EQ(form().caption(), QStringLiteral("修改口令"));
-    EXPECT_EQ(form().ctl<QPushButton>(QStringLiteral("CmdOk"))->text(), QStringLiteral("&Y 确认"));
-    EXPECT_EQ(form().ctl<QPushButton>(QStringLiteral("CmdCancel"))->text(),
-              QStringLiteral("&C 取消"));
+TEST_F(EditPassTest, FocusColoursAndSelection) {
     QApplication::setActiveWindow(form().window());
-    box(1)->setText(QStringLiteral("abc"));
+    box(1)->setText(u"abc"_s);
     box(1)->setFocus(Qt::TabFocusReason);
     QCoreApplication::processEvents();
     const QColor light = box(1)->palette().color(QPalette::Light);
     const QColor midlight = box(1)->palette().color(QPalette::Midlight);
     ASSERT_NE(light, midlight);
     EXPECT_EQ(box(1)->palette().color(QPalette::Base), light);
-    EXPECT_EQ(box(1)->selectedText(), QStringLiteral("abc"));
+    EXPECT_EQ(box(1)->selectedText(), u"abc"_s);
     box(2)->setFocus(Qt::TabFocusReason);
     QCoreApplication::processEvents();
     EXPECT_EQ(box(1)->palette().color(QPalette::Base), midlight);

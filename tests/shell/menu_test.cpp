@@ -1,72 +1,28 @@
-// The right-button popup: ids count separators, 0 on dismissal.
+// The right-button popup, driven by keys: ids count separators (a blanked dash is one
+// too), the caption comes back trimmed, and 0 with no caption when it is dismissed.
 #include "platform/Menu.h"
 
 #include "tests/support/testsupport.h"
 
-#include <QAction>
 #include <QApplication>
-#include <QMenu>
 #include <QTest>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-struct PickerGuard {
-    explicit PickerGuard(Menu::Picker p) : previous(Menu::setPicker(std::move(p))) {}
-    ~PickerGuard() { Menu::setPicker(previous); }
-    Menu::Picker previous;
-};
-
-const QStringList kItems = {QStringLiteral("修改"), QStringLiteral("-"), QStringLiteral("删除"),
-                            QStringLiteral(" - "), QStringLiteral("  打印  ")};
-
-TEST(MenuTest, IdsCountSeparatorsAndTheCaptionIsTrimmed) {
-    struct Case {
-        Menu::Picker picker;
-        int id;
-        const char* caption;
-    };
-    const Case cases[] = {
-        {Menu::pickText(QStringLiteral("修改")), 1, "修改"},
-        {Menu::pickText(QStringLiteral("删除")), 3, "删除"},
-        {Menu::pickId(5), 5, "打印"},
-        {[](QMenu&) { return nullptr; }, 0, ""},
-    };
-    Menu m;
-    for (const Case& c : cases) {
-        PickerGuard guard(c.picker);
-        EXPECT_EQ(m.rightMenu(kItems), c.id);
-        EXPECT_EQ(m.SelMenuString(), QString::fromUtf8(c.caption));
-    }
-}
-
-TEST(MenuTest, BlankedDashesAreSeparatorsAndTakeTheirIds) {
-    QList<bool> separators;
-    PickerGuard guard([&](QMenu& menu) -> QAction* {
-        for (QAction* a : menu.actions()) separators << a->isSeparator();
-        return nullptr;
-    });
-    Menu m;
-    EXPECT_EQ(m.rightMenu(kItems), 0);
-    EXPECT_EQ(separators, (QList<bool>{false, true, false, true, false}));
-    EXPECT_EQ(m.rightMenu({}), 0);
-}
-
-// The real popup, driven by keys: Esc dismisses, Down Down Enter takes the second entry.
 TEST(MenuTest, RealPopupAtTheMouse) {
+    const QStringList items = {u"修改"_s, u"-"_s, u"删除"_s, u" - "_s, u"  打印  "_s};
     QWidget owner;
     owner.show();
     QApplication::setActiveWindow(&owner);
-    struct Case {
-        std::vector<Qt::Key> keys;
-        int id;
-        const char* caption;
-    };
-    const Case cases[] = {
+    const std::tuple<std::vector<Qt::Key>, int, const char*> cases[] = {
         {{Qt::Key_Escape}, 0, ""},
         {{Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}, 3, "删除"},
+        {{Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}, 5, "打印"},
     };
-    for (const Case& c : cases) {
+    for (const auto& [keys, id, caption] : cases) {
         // Waits for the popup (a loaded machine may be slow to show it), then types.
         QTimer poll;
         int tries = 0;
@@ -78,12 +34,12 @@ TEST(MenuTest, RealPopupAtTheMouse) {
                 ADD_FAILURE() << "the popup did not show";
                 return;
             }
-            for (Qt::Key k : c.keys) QTest::keyClick(popup, k);
+            for (Qt::Key k : keys) QTest::keyClick(popup, k);
         });
         poll.start(20);
         Menu m;
-        EXPECT_EQ(m.rightMenu(kItems), c.id);
-        EXPECT_EQ(m.SelMenuString(), QString::fromUtf8(c.caption));
+        EXPECT_EQ(m.rightMenu(items), id);
+        EXPECT_EQ(m.SelMenuString(), QString::fromUtf8(caption));
     }
 }
 
