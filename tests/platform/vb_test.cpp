@@ -33,7 +33,8 @@ INSTANTIATE_TEST_SUITE_P(
                       NumericCase{u"&H1F", true, 31}, NumericCase{u"&O17", true, 15},
                       NumericCase{u"&HFFFF", true, -1}, NumericCase{u"(5)", true, 0},
                       NumericCase{u"12abc", false, 12}, NumericCase{u"1 2 3", false, 123},
-                      NumericCase{u",1", false, 0}, NumericCase{u"1.2.3", false, 1.2},
+                      NumericCase{u",1", false, 0}, NumericCase{u"1,", false, 1},
+                      NumericCase{u"5.", true, 5}, NumericCase{u"1.2.3", false, 1.2},
                       NumericCase{u".5", true, 0.5}, NumericCase{u"１２", false, 0}));
 
 TEST(Runtime, CStrOfDoublesIsTheShortestText) {

@@ -8,6 +8,7 @@
 #include "query/Findfrm.h"
 #include "shell/Mainfrm.h"
 #include "shell/routes.h"
+#include "supplier/cgGYSfrm.h"
 #include "tests/shell/shelltest.h"
 #include "tests/support/testsupport.h"
 
@@ -83,27 +84,6 @@ protected:
         settle();
     }
 };
-
-TEST_F(FrameTest, EntryFormOpensAtItsDesignSizeWhollyVisible) {
-    openEntry();
-    QMdiSubWindow* sub = mdi()->activeSubWindow();
-    ASSERT_NE(sub, nullptr);
-    ASSERT_EQ(sub->widget(), entry().window());
-    // Laid out at 12000 x 5700 twips.
-    EXPECT_GE(entry().window()->width(), 800);
-    EXPECT_GE(entry().window()->height(), 380);
-    // Its top left corner in sight; the frame grows to hold it, as far as the screen goes.
-    EXPECT_EQ(sub->pos(), QPoint(0, 0));
-    const QSize room = frame().window()->screen()->availableGeometry().size();
-    const QSize view = mdi()->viewport()->size();
-    EXPECT_GE(view.width(), std::min(sub->width(), room.width() - 40));
-    EXPECT_GE(view.height(), std::min(sub->height(), room.height() - 220));
-    for (int i = 0; i <= 17; ++i) {
-        QLineEdit* t = entry().Text1(i);
-        EXPECT_TRUE(t->isVisible()) << i;
-        EXPECT_TRUE(entry().window()->rect().contains(t->geometry())) << i;
-    }
-}
 
 TEST_F(FrameTest, TheEntryFormsAltKeysWinOverTheMenuLetters) {
     openEntry();
@@ -269,12 +249,20 @@ TEST_F(FrameTest, EveryCommandOpensItsFormOnceInItsMode) {
             EXPECT_TRUE(w->isHidden() || f->window()->rect().contains(w->geometry()))
                 << w->objectName().toStdString();
         f->window()->setProperty("seenBefore", true);
+        if (c.command == Mainfrm::cmd采购来源定义) // the suppliers narrowed by a query
+            vb::form<cgGYSfrm>().loadGridData(u" Where pubplace='北京'"_s, QString());
+        const int rows =
+            c.command == Mainfrm::cmd采购来源定义 ? vb::form<cgGYSfrm>().Grid1()->Rows() : 0;
         const auto count = mdi()->subWindowList().size();
         run(true);
         EXPECT_EQ(mdi()->subWindowList().size(), count);
         EXPECT_EQ(mdi()->activeSubWindow()->widget(), f->window());
         EXPECT_TRUE(f->window()->property("seenBefore").toBool()); // not unloaded meanwhile
         EXPECT_EQ(f->window()->size(), opened);
+        if (c.command == Mainfrm::cmd采购来源定义) {
+            EXPECT_EQ(vb::form<cgGYSfrm>().lastCond, u" Where pubplace='北京'"_s);
+            EXPECT_EQ(vb::form<cgGYSfrm>().Grid1()->Rows(), rows);
+        }
     }
     // F2 reaches the classification help too; the face of the drop-down does nothing.
     QApplication::setActiveWindow(frame().window());
@@ -289,13 +277,30 @@ TEST_F(FrameTest, EveryCommandOpensItsFormOnceInItsMode) {
     EXPECT_EQ(toolbarMenu->actions()[1]->text(), u"采购日期"_s);
 }
 
-// 采购订单 starts the entry form afresh, dropping what was typed without a question, and
-// goes on past a database that will not open.
-TEST_F(FrameTest, PurchaseOrderCommandStartsAFreshFormAndGoesOnPastAFailure) {
+// 采购订单 opens the entry form at its design size, wholly visible; run again it starts
+// the form afresh, dropping what was typed without a question; it goes on past a database
+// that will not open.
+TEST_F(FrameTest, PurchaseOrderCommandOpensAFreshFormWhollyVisible) {
     const QString rows = q(u"select count(*) from cgk"_s);
     openEntry();
     EXPECT_EQ(entry().caption(), u"采购订单"_s);
-    EXPECT_EQ(mdi()->activeSubWindow()->widget(), entry().window());
+    QMdiSubWindow* sub = mdi()->activeSubWindow();
+    ASSERT_NE(sub, nullptr);
+    ASSERT_EQ(sub->widget(), entry().window());
+    // Laid out at 12000 x 5700 twips, not collapsed.
+    EXPECT_GE(entry().window()->width(), 800);
+    EXPECT_GE(entry().window()->height(), 380);
+    // Its top left corner in sight; the frame grows to hold it, as far as the screen goes.
+    EXPECT_EQ(sub->pos(), QPoint(0, 0));
+    const QSize room = frame().window()->screen()->availableGeometry().size();
+    const QSize view = mdi()->viewport()->size();
+    EXPECT_GE(view.width(), std::min(sub->width(), room.width() - 40));
+    EXPECT_GE(view.height(), std::min(sub->height(), room.height() - 220));
+    for (int i = 0; i <= 17; ++i)
+        EXPECT_TRUE(entry().Text1(i)->isVisible() &&
+                    entry().window()->rect().contains(entry().Text1(i)->geometry()))
+            << i;
+    // What was typed goes without a question.
     entry().addType = caigou::addAdding;
     entry().Text1(1)->setText(u"未保存"_s);
     ASSERT_TRUE(entry().anyFieldChanged());

@@ -53,7 +53,8 @@ TEST_F(LoginTest, ThreeWrongAnswersEndTheProcessNothingElseCounts) {
     attempt(u"o'brien"_s, u"x"_s);
     store(profile());
     boxes().answer(vb::vbNo);
-    attempt(u"admin"_s, u"ad'min"_s); // a syntax error: the connection question
+    attempt(u"admin"_s, u"ad'min"_s);                  // a syntax error: the connection question
+    EXPECT_FALSE(vb::FormRegistry::exists<frmODBC>()); // No: no dialog
     attempt(u"admin"_s, u"nope"_s);
     store(shelltest::brokenProfile());
     boxes().answer(vb::vbYes); // the dialog, and nothing retried when it closes
