@@ -9,6 +9,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <ostream>
 #include <vector>
 
 namespace reportdata {
@@ -25,6 +26,11 @@ struct Case {
     QString table = {};   // grouped only
     QString shapeBy = {}; // grouped only
 };
+
+// A case is shown by its report's name in test output.
+inline void PrintTo(const Case& c, std::ostream* os) {
+    *os << c.report;
+}
 
 // Rows written as "a|b|c", typed by `types` (s text, i integer, n double); an empty
 // place is NULL.
