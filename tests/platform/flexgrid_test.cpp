@@ -4,6 +4,7 @@
 #include "platform/events.h"
 #include "platform/flexgrid.h"
 #include "platform/maskedbox.h"
+#include "tests/support/printto.h"
 
 #include <QAbstractItemModelTester>
 #include <QHeaderView>

@@ -4,6 +4,7 @@
 #include "platform/form.h"
 #include "platform/runtime.h"
 #include "platform/vb.h"
+#include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
 #include <QApplication>

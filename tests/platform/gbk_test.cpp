@@ -1,5 +1,6 @@
 // GBK both ways, and what a byte cut inside a character gives.
 #include "platform/gbk.h"
+#include "tests/support/printto.h"
 
 #include <gtest/gtest.h>
 

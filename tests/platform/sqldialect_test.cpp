@@ -1,5 +1,6 @@
 // SQL Server text adapted for SQLite: only + between text, left( and top n change.
 #include "platform/sqldialect.h"
+#include "tests/support/printto.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 // The legacy runtime's loose tests and conversions, one row per corner case.
 #include "platform/errors.h"
 #include "platform/vb.h"
+#include "tests/support/printto.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 // too), the caption comes back trimmed, and 0 with no caption when it is dismissed.
 #include "platform/Menu.h"
 
+#include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
 #include <QApplication>

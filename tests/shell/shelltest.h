@@ -2,6 +2,7 @@
 // What the shell's tests share: clean process-wide strings, clicks as a user makes them.
 
 #include "data/globals.h"
+#include "tests/support/printto.h"
 
 #include <QAbstractButton>
 #include <QLineEdit>
