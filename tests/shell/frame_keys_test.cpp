@@ -1,7 +1,9 @@
 // The forms as a librarian meets them inside the frame: the size a child window opens at,
 // whose Alt letters win, what an access key does to the field being left, Enter on a
 // button, and what each routed command opens, from the menu and from the toolbar.
-#include "platform/errors.h"
+#include "modalscript.h"
+#include "shelltest.h"
+
 #include "platform/flexgrid.h"
 #include "purchase/CaiGoufrm.h"
 #include "purchase/loadCheckDatafrm.h"
@@ -9,28 +11,16 @@
 #include "shell/Mainfrm.h"
 #include "shell/routes.h"
 #include "supplier/cgGYSfrm.h"
-#include "tests/shell/shelltest.h"
-#include "tests/support/testsupport.h"
 
 #include <QAction>
-#include <QApplication>
-#include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPushButton>
-#include <QRadioButton>
 #include <QScreen>
-#include <QTimer>
 #include <QToolButton>
 
-#include <algorithm>
-#include <functional>
-
-using testsupport::boxes;
 using testsupport::settle;
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -63,23 +53,20 @@ protected:
         settle();
         ASSERT_TRUE(entry().isVisible());
     }
-    // A key typed where the focus is, through the shortcut map as a keyboard would.
-    void key(Qt::Key k, Qt::KeyboardModifiers m = Qt::AltModifier) {
+    // A key typed where the focus is (a field of the entry form first, when asked), through
+    // the shortcut map as a keyboard would.
+    void key(Qt::Key k, QWidget* focus = nullptr) {
+        if (focus) focus->setFocus();
+        settle();
         QWidget* at = frame().window()->focusWidget();
-        QTest::keyClick(at ? at : frame().window(), k, m);
+        QTest::keyClick(at ? at : frame().window(), k, Qt::AltModifier);
         settle();
     }
     // Runs the action that opens a modal form, and `inside` (which must close it) as soon as
     // that form is up.
     static void whileModal(std::function<void()> inside, const std::function<void()>& open) {
-        auto* poll = new QTimer;
-        QObject::connect(poll, &QTimer::timeout, [poll, inside = std::move(inside)] {
-            if (!QApplication::activeModalWidget()) return;
-            poll->stop();
-            poll->deleteLater();
-            inside();
-        });
-        poll->start(10);
+        ModalScript script;
+        script.when([] { return QApplication::activeModalWidget() != nullptr; }, std::move(inside));
         open();
         settle();
     }
@@ -87,13 +74,10 @@ protected:
 
 TEST_F(FrameTest, TheEntryFormsAltKeysWinOverTheMenuLetters) {
     openEntry();
-    auto* bar = frame().ctl<QMenuBar>(u"MenuBar"_s);
-    entry().Text1(1)->setFocus();
-    settle();
     // N: the next record (the form's key preview), not 书目验收.
-    key(Qt::Key_N);
+    key(Qt::Key_N, entry().Text1(1));
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
-    EXPECT_EQ(bar->activeAction(), nullptr);
+    EXPECT_EQ(frame().ctl<QMenuBar>(u"MenuBar"_s)->activeAction(), nullptr);
     EXPECT_GT(entry().cgkIDs(), 0);
     EXPECT_EQ(entry().caption(), u"采购定单-%1"_s.arg(entry().cgkIDs()));
     // D: 查找, the query builder for orders, not 系统管理.
@@ -108,18 +92,14 @@ TEST_F(FrameTest, TheEntryFormsAltKeysWinOverTheMenuLetters) {
     EXPECT_TRUE(found);
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
     // T: nothing on the form claims it, so the frame's 帐目统计 opens.
-    entry().Text1(1)->setFocus();
-    settle();
-    key(Qt::Key_T);
+    key(Qt::Key_T, entry().Text1(1));
     auto* popup = qobject_cast<QMenu*>(QApplication::activePopupWidget());
     ASSERT_NE(popup, nullptr);
     EXPECT_EQ(popup->objectName(), u"帐目统计"_s);
     popup->close();
     settle();
     // X: 关闭 of the form, not 退出系统 of the frame.
-    entry().Text1(1)->setFocus();
-    settle();
-    key(Qt::Key_X);
+    key(Qt::Key_X, entry().Text1(1));
     EXPECT_FALSE(entry().isLoaded());
     EXPECT_TRUE(frame().isLoaded());
     EXPECT_TRUE(boxes().calls().empty() || boxes().last().title != u"退出操作"_s);
@@ -128,29 +108,26 @@ TEST_F(FrameTest, TheEntryFormsAltKeysWinOverTheMenuLetters) {
 TEST_F(FrameTest, AnAccessKeyRunsTheLeaveRuleFirstAndARefusedFieldStopsTheClick) {
     openEntry();
     key(Qt::Key_F); // the first record, open for editing
-    const int id = entry().cgkIDs();
-    ASSERT_GT(id, 0);
-    const QString price = q(u"select price from cgk where cgkid=%1"_s.arg(id));
+    ASSERT_GT(entry().cgkIDs(), 0);
+    const QString sql = u"select price from cgk where cgkid=%1"_s.arg(entry().cgkIDs());
+    const QString price = q(sql);
     QLineEdit* field = entry().Text1(14);
-    field->setFocus();
-    settle();
-    field->selectAll();
-    testsupport::typeText(field, u"40abc"_s);
-    ASSERT_TRUE(entry().Command2(2)->isEnabled());
-    boxes().clear();
-    key(Qt::Key_S);
-    ASSERT_FALSE(boxes().calls().empty());
-    EXPECT_EQ(boxes().calls()[0].prompt, u"无效数字格式，取消该操作。"_s);
-    EXPECT_EQ(boxes().calls().size(), 1u);
-    EXPECT_EQ(frame().window()->focusWidget(), field);
-    EXPECT_EQ(q(u"select price from cgk where cgkid=%1"_s.arg(id)), price);
-    EXPECT_TRUE(entry().isLoaded());
-    // Put right, the same key saves.
-    field->selectAll();
-    testsupport::typeText(field, u"40"_s);
-    boxes().clear();
-    key(Qt::Key_S);
-    EXPECT_EQ(q(u"select price from cgk where cgkid=%1"_s.arg(id)).toDouble(), 40.0);
+    for (const char* typed : {"40abc", "40"}) { // put right, the same key saves
+        field->setFocus();
+        settle();
+        field->selectAll();
+        testsupport::typeText(field, QString::fromLatin1(typed));
+        ASSERT_TRUE(entry().Command2(2)->isEnabled());
+        boxes().clear();
+        key(Qt::Key_S);
+        if (qstrcmp(typed, "40") != 0) {
+            EXPECT_EQ(boxes().prompts(), QStringList{u"无效数字格式，取消该操作。"_s});
+            EXPECT_EQ(frame().window()->focusWidget(), field);
+            EXPECT_EQ(q(sql), price);
+            EXPECT_TRUE(entry().isLoaded());
+        }
+    }
+    EXPECT_EQ(q(sql).toDouble(), 40.0);
     EXPECT_FALSE(entry().Command2(2)->isEnabled());
 }
 
@@ -180,11 +157,12 @@ TEST_F(FrameTest, EnterOnTheFocusedSearchButtonOfTheDuplicateCheckSearches) {
 // opens in the frame at its design size, and the second run brings forward the very same
 // window (state and all) rather than a second one.
 TEST_F(FrameTest, EveryCommandOpensItsFormOnceInItsMode) {
+    // Toolbar index (50 + k: entry k of the drop-down's list; 0: menu only), the form, and
+    // for a modal one both Findfrm words ("" when it is not the query builder).
     const struct {
         Mainfrm::Command command;
-        int button; // toolbar index; 50 + k: entry k of the drop-down's list; 0: menu only
-        const char* form;
-        const char* mode; // both Findfrm words, when it is the query builder
+        int button;
+        const char *form, *mode;
     } cases[] = {
         {Mainfrm::cmd采购查询, 4, "CaiGoufindfrm", nullptr},
         {Mainfrm::cmd采购来源, 51, "CaiGouprintfrm", nullptr},
@@ -249,20 +227,17 @@ TEST_F(FrameTest, EveryCommandOpensItsFormOnceInItsMode) {
             EXPECT_TRUE(w->isHidden() || f->window()->rect().contains(w->geometry()))
                 << w->objectName().toStdString();
         f->window()->setProperty("seenBefore", true);
-        if (c.command == Mainfrm::cmd采购来源定义) // the suppliers narrowed by a query
-            vb::form<cgGYSfrm>().loadGridData(u" Where pubplace='北京'"_s, QString());
-        const int rows =
-            c.command == Mainfrm::cmd采购来源定义 ? vb::form<cgGYSfrm>().Grid1()->Rows() : 0;
+        const bool gys = c.command == Mainfrm::cmd采购来源定义; // suppliers narrowed by a query
+        if (gys) vb::form<cgGYSfrm>().loadGridData(u" Where pubplace='北京'"_s, QString());
+        const int rows = gys ? vb::form<cgGYSfrm>().Grid1()->Rows() : 0;
         const auto count = mdi()->subWindowList().size();
         run(true);
         EXPECT_EQ(mdi()->subWindowList().size(), count);
         EXPECT_EQ(mdi()->activeSubWindow()->widget(), f->window());
         EXPECT_TRUE(f->window()->property("seenBefore").toBool()); // not unloaded meanwhile
         EXPECT_EQ(f->window()->size(), opened);
-        if (c.command == Mainfrm::cmd采购来源定义) {
-            EXPECT_EQ(vb::form<cgGYSfrm>().lastCond, u" Where pubplace='北京'"_s);
-            EXPECT_EQ(vb::form<cgGYSfrm>().Grid1()->Rows(), rows);
-        }
+        if (gys) EXPECT_EQ(vb::form<cgGYSfrm>().lastCond, u" Where pubplace='北京'"_s);
+        if (gys) EXPECT_EQ(vb::form<cgGYSfrm>().Grid1()->Rows(), rows);
     }
     // F2 reaches the classification help too; the face of the drop-down does nothing.
     QApplication::setActiveWindow(frame().window());
@@ -285,11 +260,9 @@ TEST_F(FrameTest, PurchaseOrderCommandOpensAFreshFormWhollyVisible) {
     openEntry();
     EXPECT_EQ(entry().caption(), u"采购订单"_s);
     QMdiSubWindow* sub = mdi()->activeSubWindow();
-    ASSERT_NE(sub, nullptr);
-    ASSERT_EQ(sub->widget(), entry().window());
+    ASSERT_TRUE(sub && sub->widget() == entry().window());
     // Laid out at 12000 x 5700 twips, not collapsed.
-    EXPECT_GE(entry().window()->width(), 800);
-    EXPECT_GE(entry().window()->height(), 380);
+    EXPECT_TRUE(entry().window()->width() >= 800 && entry().window()->height() >= 380);
     // Its top left corner in sight; the frame grows to hold it, as far as the screen goes.
     EXPECT_EQ(sub->pos(), QPoint(0, 0));
     const QSize room = frame().window()->screen()->availableGeometry().size();
@@ -312,7 +285,6 @@ TEST_F(FrameTest, PurchaseOrderCommandOpensAFreshFormWhollyVisible) {
     EXPECT_EQ(entry().Text1(1)->text(), QString());
     EXPECT_FALSE(entry().anyFieldChanged());
     EXPECT_EQ(q(u"select count(*) from cgk"_s), rows);
-
     gConnStr = shelltest::brokenProfile();
     frame().runCommand(Mainfrm::cmd采购订单);
     settle();

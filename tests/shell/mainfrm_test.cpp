@@ -1,25 +1,21 @@
 // The frame itself: captions and keys of the menu, the exit question, the size and the
-// centring, the status bar when the server date fails, the two desktop commands. What the
-// routed commands open is in frame_keys_test.cpp, through the real table.
+// centring, the status bar when the server date fails, the two desktop commands; and the
+// right-button popup. What the routed commands open is in frame_keys_test.cpp, through
+// the real table.
+#include "modalscript.h"
 #include "shelltest.h"
 
-#include "platform/errors.h"
-#include "platform/msgbox.h"
+#include "platform/Menu.h"
 #include "platform/vb.h"
 #include "shell/EditPassFrm.h"
 #include "shell/Mainfrm.h"
-#include "tests/support/testsupport.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
 #include <QToolButton>
-
-using testsupport::boxes;
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -69,18 +65,15 @@ TEST_F(MainfrmTest, MenuCaptionsKeysAndCommandsWithoutAForm) {
     for (auto [name, caption, key] : entries) {
         QAction* a = act(QString::fromUtf8(name));
         ASSERT_NE(a, nullptr) << name;
-        EXPECT_EQ(a->text(), QString::fromUtf8(caption));
-        EXPECT_EQ(a->shortcut(), QKeySequence(QString::fromUtf8(key))) << name;
+        EXPECT_EQ(std::pair(a->text(), a->shortcut().toString()),
+                  std::pair(QString::fromUtf8(caption), QString::fromUtf8(key)));
     }
     auto* sub = frame().ctl<QMenu>(u"采购打印"_s);
     ASSERT_EQ(sub->actions().size(), 4);
     EXPECT_TRUE(sub->actions()[2]->isSeparator());
-
-    EXPECT_FALSE(act(u"采购订单"_s)->isEnabled());
-    EXPECT_FALSE(button(3)->isEnabled());
-    EXPECT_FALSE(button(5)->isEnabled());
-    EXPECT_TRUE(button(15)->isEnabled());
-    EXPECT_TRUE(act(u"口令修改"_s)->isEnabled());
+    EXPECT_FALSE(act(u"采购订单"_s)->isEnabled() || button(3)->isEnabled() ||
+                 button(5)->isEnabled());
+    EXPECT_TRUE(button(15)->isEnabled() && act(u"口令修改"_s)->isEnabled());
 }
 
 // The close box, 退出系统 on the menu and button 15 ask the same question; No stays,
@@ -105,12 +98,10 @@ TEST_F(MainfrmTest, ExitQuestionFromEveryWayOut) {
                 // a trigger() called from here unwinds to us
             }
             ASSERT_EQ(boxes().calls().size(), 1u);
-            EXPECT_EQ(boxes().last().prompt, u"  是否确定退出该操作系统？（Y/N）"_s);
-            EXPECT_EQ(boxes().last().flags, 20);
-            EXPECT_EQ(boxes().last().title, u"退出操作"_s);
+            EXPECT_EQ(shelltest::lastBox(),
+                      std::tuple(u"  是否确定退出该操作系统？（Y/N）"_s, 20, u"退出操作"_s));
             EXPECT_EQ(testsupport::processEnds(), answer == vb::vbYes ? 1 : 0);
-            EXPECT_TRUE(frame().isLoaded());
-            EXPECT_TRUE(vb::form<EditPassFrm>().isLoaded());
+            EXPECT_TRUE(frame().isLoaded() && vb::form<EditPassFrm>().isLoaded());
         }
     }
 }
@@ -155,8 +146,8 @@ TEST_F(MainfrmTest, RegionalSettingsAndPrinterStartTheDesktopsTools) {
     });
     act(u"区域设置"_s)->trigger();
     ASSERT_EQ(boxes().calls().size(), 1u);
-    EXPECT_EQ(boxes().last().prompt, u"请选择日期标签，将【短日期样式】修改为【yyyy-MM-dd】"_s);
-    EXPECT_EQ(boxes().last().flags, 64);
+    EXPECT_EQ(std::pair(boxes().last().prompt, boxes().last().flags),
+              std::pair(u"请选择日期标签，将【短日期样式】修改为【yyyy-MM-dd】"_s, 64));
     EXPECT_LE(started.size(), 1u);
 #ifndef Q_OS_WIN
     auto pick = [](QStringList have) {
@@ -168,17 +159,40 @@ TEST_F(MainfrmTest, RegionalSettingsAndPrinterStartTheDesktopsTools) {
     EXPECT_EQ(pick({"gnome-control-center"}).arguments, QStringList{"region"});
     EXPECT_EQ(pick({"kcmshell5"}).arguments, QStringList{"kcm_regionandlang"});
 #endif
-
     started.clear();
     QString choice = u"Office_Laser"_s;
     Mainfrm::setPrinterDialog([&] { return choice; });
     act(u"打印机"_s)->trigger();
     ASSERT_EQ(started.size(), 1u);
     EXPECT_TRUE(started[0].contains(u"Office_Laser"_s)) << started[0].join(u' ').toStdString();
-    started.clear();
     choice.clear();
     act(u"打印机"_s)->trigger();
-    EXPECT_TRUE(started.empty());
+    EXPECT_EQ(started.size(), 1u);
+}
+
+// The right-button popup, driven by keys: ids count separators (a blanked dash is one
+// too), the caption comes back trimmed, and 0 with no caption when it is dismissed.
+TEST(MenuTest, RealPopupAtTheMouse) {
+    const QStringList items = {u"修改"_s, u"-"_s, u"删除"_s, u" - "_s, u"  打印  "_s};
+    QWidget owner;
+    owner.show();
+    QApplication::setActiveWindow(&owner);
+    const std::tuple<std::vector<Qt::Key>, int, const char*> cases[] = {
+        {{Qt::Key_Escape}, 0, ""},
+        {{Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}, 3, "删除"},
+        {{Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}, 5, "打印"},
+    };
+    for (const auto& [keys, id, caption] : cases) {
+        ModalScript script;
+        script.when([] { return QApplication::activePopupWidget() != nullptr; },
+                    [&keys] {
+                        for (Qt::Key k : keys)
+                            QTest::keyClick(QApplication::activePopupWidget(), k);
+                    });
+        Menu m;
+        EXPECT_EQ(m.rightMenu(items), id);
+        EXPECT_EQ(m.SelMenuString(), QString::fromUtf8(caption));
+    }
 }
 
 } // namespace
