@@ -12,7 +12,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 command -v xvfb-run >/dev/null || { echo "xvfb-run is not installed"; exit 77; }
 odbcinst -q -d -n SQLite3 >/dev/null 2>&1 || { echo "the SQLite3 ODBC driver is not registered"; exit 77; }
 # orvane-xkeys types through the XTest library (Debian libxtst6).
-"$(command -v ldconfig || echo /sbin/ldconfig)" -p | grep -q 'libXtst\.so\.6' || { echo "libXtst.so.6 (libxtst6) is not installed"; exit 77; }
+"$(command -v ldconfig || echo /sbin/ldconfig)" -p | grep -c 'libXtst\.so\.6' >/dev/null || { echo "libXtst.so.6 (libxtst6) is not installed"; exit 77; }
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
