@@ -41,15 +41,13 @@ namespace {
 using reportdata::Case;
 
 vb::DataReport& reportByName(const QString& name) {
-    if (name == u"printCG") return vb::form<printCG>();
-    if (name == u"printMX") return vb::form<printMX>();
-    if (name == u"printLeibie") return vb::form<printLeibie>();
-    if (name == u"printJinECB") return vb::form<printJinECB>();
-    if (name == u"printJinEYFZ") return vb::form<printJinEYFZ>();
-    if (name == u"printJinELV") return vb::form<printJinELV>();
-    if (name == u"printTotalJine") return vb::form<printTotalJine>();
-    if (name == u"printYStotal") return vb::form<printYStotal>();
-    return vb::form<printYSmx>();
+    vb::DataReport* all[] = {
+        &vb::form<printCG>(),        &vb::form<printMX>(),      &vb::form<printLeibie>(),
+        &vb::form<printJinECB>(),    &vb::form<printJinEYFZ>(), &vb::form<printJinELV>(),
+        &vb::form<printTotalJine>(), &vb::form<printYStotal>(), &vb::form<printYSmx>()};
+    for (vb::DataReport* r : all)
+        if (r->name() == name) return *r;
+    return *all[0];
 }
 
 QString sqlLiteral(const QVariant& v) {
@@ -109,9 +107,7 @@ protected:
     // The recordset a caller would hand over: flat rows, or the print table filled and
     // read back through the shaped statement.
     std::shared_ptr<adodb::Recordset> source(const Case& c) {
-        if (c.table.isEmpty())
-            return std::shared_ptr<adodb::Recordset>(
-                adodb::Recordset::fromRows(c.columns, c.rows).release());
+        if (c.table.isEmpty()) return adodb::Recordset::fromRows(c.columns, c.rows);
         if (m_profile.isEmpty()) m_profile = makeDatabase();
         adodb::Connection conn;
         conn.Open(m_profile);
@@ -204,16 +200,14 @@ TEST_F(Reports, FlatRowsOfAGroupedReportAreGroupedInTableOrder) {
     r.exportCsv(csv);
     const QStringList lines = csvLines(csv);
     ASSERT_GE(lines.size(), 8);
-    EXPECT_EQ(lines[0], u"第 3 批采购验收传票"_s);
-    EXPECT_EQ(lines[2], u"新华书店,2,5,120.5"_s);
-    EXPECT_EQ(lines[3], u"外文书店,1,1,30"_s);
-    EXPECT_EQ(lines[4], u"第 4 批采购验收传票"_s);
+    EXPECT_EQ((QStringList{lines[0], lines[2], lines[3], lines[4]}),
+              (QStringList{u"第 3 批采购验收传票"_s, u"新华书店,2,5,120.5"_s, u"外文书店,1,1,30"_s,
+                           u"第 4 批采购验收传票"_s}));
 }
 
 TEST_F(Reports, MissingFieldOrSourceIsNamedAndLongReportsOpenPageByPage) {
     auto& r = vb::form<printCG>();
-    r.DataSource = std::shared_ptr<adodb::Recordset>(
-        adodb::Recordset::fromRows({"bookname", "price"}, {{u"x"_s, 1}}).release());
+    r.DataSource = adodb::Recordset::fromRows({"bookname", "price"}, {{u"x"_s, 1}});
     try {
         r.Refresh();
         FAIL() << "a field missing from the recordset was not reported";
@@ -227,8 +221,7 @@ TEST_F(Reports, MissingFieldOrSourceIsNamedAndLongReportsOpenPageByPage) {
     reportdata::Rows rows;
     for (int k = 0; k < 3000; ++k)
         rows.push_back({u"书%1"_s.arg(k), u"社"_s, u"2003"_s, 1.5, u"z"_s, 1, 1.5});
-    r.DataSource = std::shared_ptr<adodb::Recordset>(
-        adodb::Recordset::fromRows(caseOf("printCG").columns, rows).release());
+    r.DataSource = adodb::Recordset::fromRows(caseOf("printCG").columns, rows);
     r.landscape = true;
     r.Refresh();
     r.Show();
@@ -266,20 +259,19 @@ std::map<QString, QString> readXlsx(const QString& path) {
     return cells;
 }
 
+// Each "ref=value" of spec, '|' between them, found in the cells.
+void expectCells(std::map<QString, QString> cells, const QString& spec) {
+    for (const QString& kv : spec.split(u'|'))
+        EXPECT_EQ(cells[kv.section(u'=', 0, 0)], kv.section(u'=', 1)) << kv.toStdString();
+}
+
 TEST_F(Reports, SpreadsheetAndCsvHoldWhatTheReportShows) {
     // Grouped: each batch's heading, its column headings, its rows; numbers as numbers.
     auto& g = prepare(caseOf("printYStotal"));
     g.exportXlsx(tempPath() + u"/g.xlsx"_s);
-    const std::map<QString, QString> grouped = {{u"A1"_s, u"第 3 批采购验收传票"_s},
-                                                {u"A2"_s, u"采 购 来 源"_s},
-                                                {u"D2"_s, u"金 额"_s},
-                                                {u"A3"_s, u"新华书店"_s},
-                                                {u"C3"_s, u"#5"_s},
-                                                {u"D3"_s, u"#120.5"_s},
-                                                {u"A5"_s, u"第 4 批采购验收传票"_s},
-                                                {u"D7"_s, u"#210.25"_s}};
-    auto cells = readXlsx(tempPath() + u"/g.xlsx"_s);
-    for (const auto& [ref, value] : grouped) EXPECT_EQ(cells[ref], value) << ref.toStdString();
+    expectCells(readXlsx(tempPath() + u"/g.xlsx"_s),
+                u"A1=第 3 批采购验收传票|A2=采 购 来 源|D2=金 额|A3=新华书店|C3=#5|D3=#120.5|"
+                "A5=第 4 批采购验收传票|D7=#210.25"_s);
     g.exportCsv(tempPath() + u"/g.csv"_s);
     EXPECT_EQ(csvLines(tempPath() + u"/g.csv"_s).join(u'\n'),
               u"第 3 批采购验收传票\n采 购 来 源,种 类,册 数,金 额\n新华书店,2,5,120.5\n"
@@ -294,13 +286,8 @@ TEST_F(Reports, SpreadsheetAndCsvHoldWhatTheReportShows) {
     t.DataSource = source(c);
     t.Title = c.title;
     t.exportXlsx(tempPath() + u"/t.xlsx"_s);
-    cells = readXlsx(tempPath() + u"/t.xlsx"_s);
-    const std::map<QString, QString> flat = {{u"A1"_s, u"图书采购资金统计管理"_s},
-                                             {u"A2"_s, u"作品语种"_s},
-                                             {u"G2"_s, u"验收金额"_s},
-                                             {u"D3"_s, u"#845.5"_s},
-                                             {u"A6"_s, u"合计"_s}};
-    for (const auto& [ref, value] : flat) EXPECT_EQ(cells[ref], value) << ref.toStdString();
+    const auto cells = readXlsx(tempPath() + u"/t.xlsx"_s);
+    expectCells(cells, u"A1=图书采购资金统计管理|A2=作品语种|G2=验收金额|D3=#845.5|A6=合计"_s);
     EXPECT_EQ(cells.count(u"E4"_s), 0u);
     t.exportCsv(tempPath() + u"/t.csv"_s);
     const QStringList lines = csvLines(tempPath() + u"/t.csv"_s);
@@ -312,19 +299,15 @@ TEST_F(Reports, SpreadsheetAndCsvHoldWhatTheReportShows) {
 TEST_F(Reports, UnwritableTargetsSaySoAndLeaveNothing) {
     auto& r = prepare(caseOf("printJinELV"));
     const QString blocker = tempPath() + u"/a-file"_s;
-    QFile b(blocker);
-    ASSERT_TRUE(b.open(QIODevice::WriteOnly));
-    b.write("x");
-    b.close();
-    for (const char* suffix : {"/r.pdf", "/r.xlsx", "/r.csv"}) {
+    ASSERT_TRUE(QFile(blocker).open(QIODevice::WriteOnly)); // an empty plain file
+    using Export = void (vb::DataReport::*)(const QString&);
+    const std::pair<const char*, Export> exports[] = {{"/r.pdf", &vb::DataReport::exportPdf},
+                                                      {"/r.xlsx", &vb::DataReport::exportXlsx},
+                                                      {"/r.csv", &vb::DataReport::exportCsv}};
+    for (auto [suffix, write] : exports) {
         const QString target = blocker + QString::fromLatin1(suffix); // under a plain file
         try {
-            if (QString::fromLatin1(suffix).endsWith(u"pdf"))
-                r.exportPdf(target);
-            else if (QString::fromLatin1(suffix).endsWith(u"xlsx"))
-                r.exportXlsx(target);
-            else
-                r.exportCsv(target);
+            (r.*write)(target);
             ADD_FAILURE() << suffix << " was written under a file";
         } catch (const vb::VbError& e) {
             EXPECT_TRUE(e.description().contains(QDir::toNativeSeparators(target))) << e.what();
@@ -346,8 +329,8 @@ TEST_F(Reports, PreviewTurnsPagesChangesPaperAndSaves) {
     auto* page = r.ctl<QSpinBox>(u"txtPage"_s);
     auto* pages = r.ctl<QLabel>(u"lblPages"_s);
     auto* orient = r.ctl<QComboBox>(u"cboOrient"_s);
-    EXPECT_EQ(r.caption(), u"采购打印报表"_s);
-    EXPECT_EQ(orient->currentText(), u"横向"_s);
+    EXPECT_EQ(std::pair(r.caption(), orient->currentText()),
+              std::pair(u"采购打印报表"_s, u"横向"_s));
     testsupport::settle();
     EXPECT_EQ(pages->text(), u"/ 2"_s);
     r.ctl<QPushButton>(u"cmdNext"_s)->click();
@@ -357,9 +340,7 @@ TEST_F(Reports, PreviewTurnsPagesChangesPaperAndSaves) {
     orient->setCurrentIndex(0);
     testsupport::settle();
     EXPECT_FALSE(r.landscape);
-    EXPECT_EQ(page->value(), 1);
-    EXPECT_EQ(pages->text(), u"/ 1"_s);
-
+    EXPECT_EQ(std::pair(page->value(), pages->text()), std::pair(1, u"/ 1"_s));
     QString asked;
     const QString target = tempPath() + u"/saved"_s;
     auto old = vb::DataReport::setSaveFileChooser([&](const QString& caption, const QString&) {
@@ -374,9 +355,9 @@ TEST_F(Reports, PreviewTurnsPagesChangesPaperAndSaves) {
         [&](const QString&, const QString&) { return target + u".csv/x.pdf"_s; });
     r.ctl<QPushButton>(u"cmdPdf"_s)->click();
     ASSERT_EQ(testsupport::boxes().calls().size(), 1u);
-    EXPECT_EQ(testsupport::boxes().calls()[0].title, u"操作提示"_s);
-    EXPECT_EQ(testsupport::boxes().calls()[0].flags, 16);
-    EXPECT_TRUE(testsupport::boxes().calls()[0].prompt.contains(u"x.pdf"_s));
+    const auto& box = testsupport::boxes().calls()[0];
+    EXPECT_EQ(std::pair(box.title, box.flags), std::pair(u"操作提示"_s, 16));
+    EXPECT_TRUE(box.prompt.contains(u"x.pdf"_s));
     vb::DataReport::setSaveFileChooser(old);
     r.ctl<QPushButton>(u"cmdClose"_s)->click();
     EXPECT_FALSE(r.isLoaded());

@@ -61,6 +61,13 @@ protected:
 // "(None)" first, then the data sources (here one of this run's own user settings); the
 // two fixed drivers, whatever the machine has. Enter walks the boxes as Tab does.
 TEST_F(FrmOdbcTest, ListsOfDataSourcesAndDriversAndEnterMovesOn) {
+    QApplication::setActiveWindow(dlg().window());
+    drivers()->setFocus(Qt::OtherFocusReason);
+    for (const char* next : {"txtServer", "txtUID", "txtPWD", "txtDatabase", "cmdCeshi"}) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QCoreApplication::processEvents();
+        ASSERT_EQ(QApplication::focusWidget(), dlg().ctl<QWidget>(QString::fromLatin1(next)));
+    }
     const QString ini = tempPath() + u"/odbc.ini"_s;
     QFile f(ini);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly));
@@ -78,13 +85,6 @@ TEST_F(FrmOdbcTest, ListsOfDataSourcesAndDriversAndEnterMovesOn) {
     EXPECT_EQ(drivers()->itemText(1), u"Microsoft Access Driver (*.mdb)"_s);
     EXPECT_EQ(drivers()->currentText(), u"SQL Server"_s);
     EXPECT_EQ(text("txtPWD")->echoMode(), QLineEdit::Password);
-    QApplication::setActiveWindow(dlg().window());
-    drivers()->setFocus(Qt::OtherFocusReason);
-    for (const char* next : {"txtServer", "txtUID", "txtPWD", "txtDatabase", "cmdCeshi"}) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-        QCoreApplication::processEvents();
-        ASSERT_EQ(QApplication::focusWidget(), dlg().ctl<QWidget>(QString::fromLatin1(next)));
-    }
 }
 
 // Each row fills the dialog and saves: refused with its message and nothing stored, or
@@ -136,8 +136,8 @@ TEST_F(FrmOdbcTest, SaveChecksTheInputAndBuildsTheProfile) {
             EXPECT_TRUE(dlg().isLoaded());
             EXPECT_EQ(dlg().window()->focusWidget(), text("txtUID"));
             EXPECT_EQ(stored(), kNoProfile);
-            if (c.named) chooseDsn(0);
-            if (c.named) EXPECT_TRUE(serverBoxesOn());
+            if (c.named) chooseDsn(0); // "(None)" brings the boxes back
+            EXPECT_TRUE(!c.named || serverBoxesOn());
             continue;
         }
         EXPECT_TRUE(boxes().calls().empty());

@@ -72,10 +72,8 @@ TEST_F(MainTest, ProfileDecidesTheFirstWindowsAndTheNamesCut) {
         SCOPED_TRACE(c.profile ? c.profile : "nothing stored");
         shelltest::resetGlobals();
         vb::releaseInstanceLock();
-        if (c.profile)
-            store(QString::fromUtf8(c.profile));
-        else
-            vb::DeleteSetting(kSettingApp, kSettingSection, kSettingKey);
+        c.profile ? store(QString::fromUtf8(c.profile))
+                  : vb::DeleteSetting(kSettingApp, kSettingSection, kSettingKey);
         QStringList order;
         {
             ModalScript script;
@@ -91,7 +89,7 @@ TEST_F(MainTest, ProfileDecidesTheFirstWindowsAndTheNamesCut) {
             Main();
         }
         EXPECT_EQ(order.last(), u"Orvane图书馆管理系统-------采购子系统"_s);
-        if (order.size() == 2) EXPECT_EQ(order.first(), u"请设置要连接的数据库信息"_s);
+        EXPECT_TRUE(order.size() == 1 || order.first() == u"请设置要连接的数据库信息"_s);
         EXPECT_EQ(gConnStr, c.profile ? QString::fromUtf8(c.profile) : kNoProfile);
         EXPECT_EQ(gServer, QString::fromUtf8(c.server));
         EXPECT_EQ(gDatabase, QString::fromUtf8(c.database));
@@ -307,7 +305,7 @@ TEST_F(EditPassTest, EveryPath) {
                                                      "LibUse where username='admin'"_s),
                   QString::fromUtf8(c.after));
         EXPECT_EQ(form().isLoaded(), c.staysOpen);
-        if (c.staysOpen) EXPECT_EQ(box(0)->text(), QString::fromUtf8(c.oldPw));
+        EXPECT_TRUE(!c.staysOpen || box(0)->text() == QString::fromUtf8(c.oldPw)); // not cleared
     }
 }
 
