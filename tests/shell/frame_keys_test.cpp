@@ -1,31 +1,26 @@
 // The forms as a librarian meets them inside the frame: the size a child window opens at,
 // whose Alt letters win, what an access key does to the field being left, Enter on a
-// button, and what each routed command opens.
-#include "platform/errors.h"
+// button, and what each routed command opens, from the menu and from the toolbar.
+#include "modalscript.h"
+#include "shelltest.h"
+
 #include "platform/flexgrid.h"
 #include "purchase/CaiGoufrm.h"
 #include "purchase/loadCheckDatafrm.h"
 #include "query/Findfrm.h"
 #include "shell/Mainfrm.h"
 #include "shell/routes.h"
-#include "tests/shell/shelltest.h"
-#include "tests/support/testsupport.h"
+#include "supplier/cgGYSfrm.h"
 
-#include <QApplication>
-#include <QLineEdit>
+#include <QAction>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
-#include <QTimer>
+#include <QToolButton>
 
-#include <algorithm>
-#include <functional>
-
-using testsupport::boxes;
 using testsupport::settle;
 
 namespace {
@@ -50,129 +45,96 @@ protected:
     }
     QString q(const QString& sql) { return testsupport::querySqlite(dbPath(), sql); }
     Mainfrm& frame() { return vb::form<Mainfrm>(); }
-    QMdiArea* mdi() { return frame().ctl<QMdiArea>(QStringLiteral("MDIClient")); }
+    QAction* act(const QString& name) { return frame().window()->findChild<QAction*>(name); }
+    QMdiArea* mdi() { return frame().ctl<QMdiArea>(u"MDIClient"_s); }
     CaiGoufrm& entry() { return vb::form<CaiGoufrm>(); }
     // The entry form as toolbar button 3 opens it.
     void openEntry() {
-        frame().Toolbar1_ButtonClick(3);
+        QTest::mouseClick(frame().ctl<QToolButton>(u"Toolbar1_3"_s), Qt::LeftButton);
         settle();
         ASSERT_TRUE(entry().isVisible());
     }
-    // A key typed where the focus is, through the shortcut map as a keyboard would.
-    void key(Qt::Key k, Qt::KeyboardModifiers m = Qt::AltModifier) {
+    // A key typed where the focus is (a field of the entry form first, when asked), through
+    // the shortcut map as a keyboard would.
+    void key(Qt::Key k, QWidget* focus = nullptr) {
+        if (focus) focus->setFocus();
+        settle();
         QWidget* at = frame().window()->focusWidget();
-        QTest::keyClick(at ? at : frame().window(), k, m);
+        QTest::keyClick(at ? at : frame().window(), k, Qt::AltModifier);
         settle();
     }
     // Runs the action that opens a modal form, and `inside` (which must close it) as soon as
     // that form is up.
     static void whileModal(std::function<void()> inside, const std::function<void()>& open) {
-        auto* poll = new QTimer;
-        QObject::connect(poll, &QTimer::timeout, [poll, inside = std::move(inside)] {
-            if (!QApplication::activeModalWidget()) return;
-            poll->stop();
-            poll->deleteLater();
-            inside();
-        });
-        poll->start(10);
+        ModalScript script;
+        script.when([] { return QApplication::activeModalWidget() != nullptr; }, std::move(inside));
         open();
         settle();
     }
 };
 
-TEST_F(FrameTest, EntryFormOpensAtItsDesignSizeWhollyVisible) {
-    openEntry();
-    QMdiSubWindow* sub = mdi()->activeSubWindow();
-    ASSERT_NE(sub, nullptr);
-    ASSERT_EQ(sub->widget(), entry().window());
-    // Laid out at 12000 x 5700 twips.
-    EXPECT_GE(entry().window()->width(), 800);
-    EXPECT_GE(entry().window()->height(), 380);
-    // Its top left corner in sight; the frame grows to hold it, as far as the screen goes.
-    EXPECT_EQ(sub->pos(), QPoint(0, 0));
-    const QSize room = frame().window()->screen()->availableGeometry().size();
-    const QSize view = mdi()->viewport()->size();
-    EXPECT_GE(view.width(), std::min(sub->width(), room.width() - 40));
-    EXPECT_GE(view.height(), std::min(sub->height(), room.height() - 220));
-    for (int i = 0; i <= 17; ++i) {
-        QLineEdit* t = entry().Text1(i);
-        EXPECT_TRUE(t->isVisible()) << i;
-        EXPECT_TRUE(entry().window()->rect().contains(t->geometry())) << i;
-    }
-}
-
 TEST_F(FrameTest, TheEntryFormsAltKeysWinOverTheMenuLetters) {
     openEntry();
-    auto* bar = frame().ctl<QMenuBar>(QStringLiteral("MenuBar"));
-    entry().Text1(1)->setFocus();
-    settle();
     // N: the next record (the form's key preview), not 书目验收.
-    key(Qt::Key_N);
+    key(Qt::Key_N, entry().Text1(1));
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
-    EXPECT_EQ(bar->activeAction(), nullptr);
+    EXPECT_EQ(frame().ctl<QMenuBar>(u"MenuBar"_s)->activeAction(), nullptr);
     EXPECT_GT(entry().cgkIDs(), 0);
-    EXPECT_EQ(entry().caption(), QStringLiteral("采购定单-%1").arg(entry().cgkIDs()));
+    EXPECT_EQ(entry().caption(), u"采购定单-%1"_s.arg(entry().cgkIDs()));
     // D: 查找, the query builder for orders, not 系统管理.
     bool found = false;
     whileModal(
         [&] {
             auto& f = vb::form<Findfrm>();
-            found = f.isVisible() && f.doType == QStringLiteral("caigou");
+            found = f.isVisible() && f.doType == u"caigou"_s;
             f.Unload();
         },
         [&] { key(Qt::Key_D); });
     EXPECT_TRUE(found);
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
     // T: nothing on the form claims it, so the frame's 帐目统计 opens.
-    entry().Text1(1)->setFocus();
-    settle();
-    key(Qt::Key_T);
+    key(Qt::Key_T, entry().Text1(1));
     auto* popup = qobject_cast<QMenu*>(QApplication::activePopupWidget());
     ASSERT_NE(popup, nullptr);
-    EXPECT_EQ(popup->objectName(), QStringLiteral("帐目统计"));
+    EXPECT_EQ(popup->objectName(), u"帐目统计"_s);
     popup->close();
     settle();
     // X: 关闭 of the form, not 退出系统 of the frame.
-    entry().Text1(1)->setFocus();
-    settle();
-    key(Qt::Key_X);
+    key(Qt::Key_X, entry().Text1(1));
     EXPECT_FALSE(entry().isLoaded());
     EXPECT_TRUE(frame().isLoaded());
-    EXPECT_TRUE(boxes().calls().empty() || boxes().last().title != QStringLiteral("退出操作"));
+    EXPECT_TRUE(boxes().calls().empty() || boxes().last().title != u"退出操作"_s);
 }
 
 TEST_F(FrameTest, AnAccessKeyRunsTheLeaveRuleFirstAndARefusedFieldStopsTheClick) {
     openEntry();
     key(Qt::Key_F); // the first record, open for editing
-    const int id = entry().cgkIDs();
-    ASSERT_GT(id, 0);
-    const QString price = q(QStringLiteral("select price from cgk where cgkid=%1").arg(id));
+    ASSERT_GT(entry().cgkIDs(), 0);
+    const QString sql = u"select price from cgk where cgkid=%1"_s.arg(entry().cgkIDs());
+    const QString price = q(sql);
     QLineEdit* field = entry().Text1(14);
-    field->setFocus();
-    settle();
-    field->selectAll();
-    testsupport::typeText(field, QStringLiteral("40abc"));
-    ASSERT_TRUE(entry().Command2(2)->isEnabled());
-    boxes().clear();
-    key(Qt::Key_S);
-    ASSERT_FALSE(boxes().calls().empty());
-    EXPECT_EQ(boxes().calls()[0].prompt, QStringLiteral("无效数字格式，取消该操作。"));
-    EXPECT_EQ(boxes().calls().size(), 1u);
-    EXPECT_EQ(frame().window()->focusWidget(), field);
-    EXPECT_EQ(q(QStringLiteral("select price from cgk where cgkid=%1").arg(id)), price);
-    EXPECT_TRUE(entry().isLoaded());
-    // Put right, the same key saves.
-    field->selectAll();
-    testsupport::typeText(field, QStringLiteral("40"));
-    boxes().clear();
-    key(Qt::Key_S);
-    EXPECT_EQ(q(QStringLiteral("select price from cgk where cgkid=%1").arg(id)).toDouble(), 40.0);
+    for (const char* typed : {"40abc", "40"}) { // put right, the same key saves
+        field->setFocus();
+        settle();
+        field->selectAll();
+        testsupport::typeText(field, QString::fromLatin1(typed));
+        ASSERT_TRUE(entry().Command2(2)->isEnabled());
+        boxes().clear();
+        key(Qt::Key_S);
+        if (qstrcmp(typed, "40") != 0) {
+            EXPECT_EQ(boxes().prompts(), QStringList{u"无效数字格式，取消该操作。"_s});
+            EXPECT_EQ(frame().window()->focusWidget(), field);
+            EXPECT_EQ(q(sql), price);
+            EXPECT_TRUE(entry().isLoaded());
+        }
+    }
+    EXPECT_EQ(q(sql).toDouble(), 40.0);
     EXPECT_FALSE(entry().Command2(2)->isEnabled());
 }
 
 TEST_F(FrameTest, EnterOnTheFocusedSearchButtonOfTheDuplicateCheckSearches) {
     openEntry();
-    const QString title = q(QStringLiteral("select bookname from cgk order by cgkid limit 1"));
+    const QString title = q(u"select bookname from cgk order by cgkid limit 1"_s);
     int rows = 0;
     whileModal(
         [&] {
@@ -190,87 +152,140 @@ TEST_F(FrameTest, EnterOnTheFocusedSearchButtonOfTheDuplicateCheckSearches) {
     EXPECT_GE(rows, 2);
 }
 
-// What each routed command opens and in which mode.
-TEST_F(FrameTest, FindCommandsOpenTheQueryBuilderModallyInTheirMode) {
+// Every routed command through the real table: first from the menu, then from its toolbar
+// button (or the drop-down's list entry), or the menu again where it has none. A modal
+// form is up inside the call, with the query builder's mode words set; a modeless one
+// opens in the frame at its design size, and the second run brings forward the very same
+// window (state and all) rather than a second one.
+TEST_F(FrameTest, EveryCommandOpensItsFormOnceInItsMode) {
+    // Toolbar index (50 + k: entry k of the drop-down's list; 0: menu only), the form, and
+    // for a modal one both Findfrm words ("" when it is not the query builder).
     const struct {
         Mainfrm::Command command;
-        int toolbar; // 0: menu only, else the toolbar button (or list entry) that runs it
-        bool list;
-        const char* mode;
+        int button;
+        const char *form, *mode;
     } cases[] = {
-        {Mainfrm::cmd其他条件, 3, true, "print"},
-        {Mainfrm::cmd采购分类统计, 11, false, "totaltotal"},
-        {Mainfrm::cmd采购明细统计, 12, false, "totalmx"},
+        {Mainfrm::cmd采购查询, 4, "CaiGoufindfrm", nullptr},
+        {Mainfrm::cmd采购来源, 51, "CaiGouprintfrm", nullptr},
+        {Mainfrm::cmd预定日期, 52, "CaiGoufindDatefrm", nullptr},
+        {Mainfrm::cmd其他条件, 53, "Findfrm", "print"},
+        {Mainfrm::cmd验收, 7, "YanShoudofrm", nullptr},
+        {Mainfrm::cmd查询浏览, 8, "YanShouBrowerfrm", nullptr},
+        {Mainfrm::cmd补定单, 9, "YanShouBDDfrm", nullptr},
+        {Mainfrm::cmd采购分类统计, 11, "Findfrm", "totaltotal"},
+        {Mainfrm::cmd采购明细统计, 12, "Findfrm", "totalmx"},
+        {Mainfrm::cmd采购金额统计, 13, "totalPrintfrm", nullptr},
+        {Mainfrm::cmd中图法简表, 0, "fenleihelp", nullptr},
+        {Mainfrm::cmd采购来源定义, 0, "cgGYSfrm", nullptr},
+        {Mainfrm::cmd口令修改, 0, "EditPassFrm", ""},
+        {Mainfrm::cmd关于系统, 0, "AboutFrm", ""},
     };
+    auto* toolbarMenu = frame().ctl<QToolButton>(u"Toolbar1_5"_s)->menu();
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.mode);
-        QString printType, doType;
-        bool modal = false;
-        whileModal(
-            [&] {
-                auto& f = vb::form<Findfrm>();
-                printType = f.printType;
-                doType = f.doType;
-                modal = f.isModalShowing() && f.isVisible();
-                f.Unload();
-            },
-            [&] {
-                if (c.list)
-                    frame().Toolbar1_ButtonMenuClick(c.toolbar);
-                else
-                    frame().Toolbar1_ButtonClick(c.toolbar);
-            });
-        EXPECT_TRUE(modal);
-        EXPECT_EQ(printType, QString::fromLatin1(c.mode));
-        EXPECT_EQ(doType, QString::fromLatin1(c.mode));
-    }
-}
-
-// Every modeless command opens its one form in the frame, at the size it was laid out at,
-// and a second run brings the same window forward instead of a second one.
-TEST_F(FrameTest, ModelessCommandsOpenTheirFormAtItsDesignSizeOnce) {
-    const struct {
-        Mainfrm::Command command;
-        const char* form;
-    } cases[] = {
-        {Mainfrm::cmd采购查询, "CaiGoufindfrm"},     {Mainfrm::cmd采购来源, "CaiGouprintfrm"},
-        {Mainfrm::cmd预定日期, "CaiGoufindDatefrm"}, {Mainfrm::cmd验收, "YanShoudofrm"},
-        {Mainfrm::cmd查询浏览, "YanShouBrowerfrm"},  {Mainfrm::cmd补定单, "YanShouBDDfrm"},
-        {Mainfrm::cmd采购金额统计, "totalPrintfrm"}, {Mainfrm::cmd采购来源定义, "cgGYSfrm"},
-    };
-    for (const auto& c : cases) {
+        const QString name = QString::fromLatin1(c.form);
         SCOPED_TRACE(c.form);
-        frame().runCommand(c.command);
-        settle();
-        vb::Form* f = vb::FormRegistry::byName(QString::fromLatin1(c.form));
-        ASSERT_NE(f, nullptr);
-        ASSERT_TRUE(f->isVisible());
-        QMdiSubWindow* sub = mdi()->activeSubWindow();
-        ASSERT_NE(sub, nullptr);
-        EXPECT_EQ(sub->widget(), f->window());
-        const QSize opened = f->window()->size();
-        EXPECT_GE(opened.width(), 200); // collapsed, a child window was 120 x 26
-        EXPECT_GE(opened.height(), 100);
-        // Every control of the form lies inside it.
-        for (QWidget* w : f->window()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
-            if (w->isHidden()) continue;
-            EXPECT_TRUE(f->window()->rect().contains(w->geometry()))
-                << w->objectName().toStdString();
+        auto run = [&](bool fromToolbar) {
+            if (!fromToolbar || c.button == 0)
+                frame().window()->findChild<QAction*>(Mainfrm::commandName(c.command))->trigger();
+            else if (c.button > 50)
+                toolbarMenu->actions()[c.button - 51]->trigger();
+            else
+                QTest::mouseClick(frame().ctl<QToolButton>(vb::ctlName(u"Toolbar1"_s, c.button)),
+                                  Qt::LeftButton);
+            settle();
+        };
+        if (c.mode) {
+            for (bool fromToolbar : {false, true}) {
+                QString up;
+                whileModal(
+                    [&] {
+                        up = QApplication::activeModalWidget()->objectName();
+                        vb::Form* f = vb::FormRegistry::byName(up);
+                        if (!f || !f->isModalShowing()) up += u" (not modal)"_s;
+                        if (up == u"Findfrm")
+                            up += u' ' + vb::form<Findfrm>().printType + u'/' +
+                                  vb::form<Findfrm>().doType;
+                        if (f) f->Unload();
+                    },
+                    [&] { run(fromToolbar); });
+                EXPECT_EQ(up,
+                          *c.mode ? u"%1 %2/%2"_s.arg(name, QString::fromLatin1(c.mode)) : name);
+            }
+            continue;
         }
+        run(false);
+        vb::Form* f = vb::FormRegistry::byName(name);
+        ASSERT_TRUE(f && f->isVisible());
+        ASSERT_TRUE(mdi()->activeSubWindow() && mdi()->activeSubWindow()->widget() == f->window());
+        const QSize opened = f->window()->size();
+        EXPECT_TRUE(opened.width() >= 200 && opened.height() >= 100); // collapsed: 120 x 26
+        for (QWidget* w : f->window()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+            EXPECT_TRUE(w->isHidden() || f->window()->rect().contains(w->geometry()))
+                << w->objectName().toStdString();
+        f->window()->setProperty("seenBefore", true);
+        const bool gys = c.command == Mainfrm::cmd采购来源定义; // suppliers narrowed by a query
+        if (gys) vb::form<cgGYSfrm>().loadGridData(u" Where pubplace='北京'"_s, QString());
+        const int rows = gys ? vb::form<cgGYSfrm>().Grid1()->Rows() : 0;
         const auto count = mdi()->subWindowList().size();
-        frame().runCommand(c.command);
-        settle();
+        run(true);
         EXPECT_EQ(mdi()->subWindowList().size(), count);
         EXPECT_EQ(mdi()->activeSubWindow()->widget(), f->window());
+        EXPECT_TRUE(f->window()->property("seenBefore").toBool()); // not unloaded meanwhile
         EXPECT_EQ(f->window()->size(), opened);
+        if (gys) {
+            EXPECT_EQ(vb::form<cgGYSfrm>().lastCond, u" Where pubplace='北京'"_s);
+            EXPECT_EQ(vb::form<cgGYSfrm>().Grid1()->Rows(), rows);
+        }
     }
+    // F2 reaches the classification help too; the face of the drop-down does nothing.
+    QApplication::setActiveWindow(frame().window());
+    QTest::keyClick(frame().window(), Qt::Key_F2);
+    settle();
+    const auto count = mdi()->subWindowList().size();
+    EXPECT_EQ(mdi()->activeSubWindow()->widget()->objectName(), u"fenleihelp"_s);
+    frame().ctl<QToolButton>(u"Toolbar1_5"_s)->click();
+    settle();
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_EQ(mdi()->subWindowList().size(), count);
+    EXPECT_EQ(toolbarMenu->actions()[1]->text(), u"采购日期"_s);
 }
 
-TEST_F(FrameTest, PurchaseOrderCommandGoesOnPastADatabaseFailure) {
+// 采购订单 opens the entry form at its design size, wholly visible; run again it starts
+// the form afresh, dropping what was typed without a question; it goes on past a database
+// that will not open.
+TEST_F(FrameTest, PurchaseOrderCommandOpensAFreshFormWhollyVisible) {
+    const QString rows = q(u"select count(*) from cgk"_s);
+    openEntry();
+    EXPECT_EQ(entry().caption(), u"采购订单"_s);
+    QMdiSubWindow* sub = mdi()->activeSubWindow();
+    ASSERT_TRUE(sub && sub->widget() == entry().window());
+    // Laid out at 12000 x 5700 twips, not collapsed.
+    EXPECT_TRUE(entry().window()->width() >= 800 && entry().window()->height() >= 380);
+    // Its top left corner in sight; the frame grows to hold it, as far as the screen goes.
+    EXPECT_EQ(sub->pos(), QPoint(0, 0));
+    const QSize room = frame().window()->screen()->availableGeometry().size();
+    const QSize view = mdi()->viewport()->size();
+    EXPECT_GE(view.width(), std::min(sub->width(), room.width() - 40));
+    EXPECT_GE(view.height(), std::min(sub->height(), room.height() - 220));
+    for (int i = 0; i <= 17; ++i)
+        EXPECT_TRUE(entry().Text1(i)->isVisible() &&
+                    entry().window()->rect().contains(entry().Text1(i)->geometry()))
+            << i;
+    // What was typed goes without a question.
+    entry().addType = caigou::addAdding;
+    entry().Text1(1)->setText(u"未保存"_s);
+    ASSERT_TRUE(entry().anyFieldChanged());
+    act(u"采购订单"_s)->trigger();
+    settle();
+    EXPECT_TRUE(boxes().calls().empty());
+    EXPECT_TRUE(entry().isVisible());
+    EXPECT_EQ(entry().addType, caigou::addEmpty);
+    EXPECT_EQ(entry().Text1(1)->text(), QString());
+    EXPECT_FALSE(entry().anyFieldChanged());
+    EXPECT_EQ(q(u"select count(*) from cgk"_s), rows);
     gConnStr = shelltest::brokenProfile();
     frame().runCommand(Mainfrm::cmd采购订单);
     settle();
-    // The process goes on: the frame is there and the next command still works.
     EXPECT_EQ(testsupport::processEnds(), 0);
     EXPECT_TRUE(frame().isLoaded());
     gConnStr = profile();

@@ -27,16 +27,19 @@ public:
 
     // When form F stands modally on the screen, run act on it.
     template <class F> ModalScript& on(std::function<void(F&)> act) {
-        m_steps.push_back({[] {
-                               return vb::FormRegistry::exists<F>() && vb::form<F>().isLoaded() &&
-                                      vb::form<F>().isModalShowing() && vb::form<F>().isVisible();
-                           },
-                           [act] { act(vb::form<F>()); }});
+        return when(
+            [] {
+                return vb::FormRegistry::exists<F>() && vb::form<F>().isLoaded() &&
+                       vb::form<F>().isModalShowing() && vb::form<F>().isVisible();
+            },
+            [act] { act(vb::form<F>()); });
+    }
+    // When ready() holds (any modal window, a popup...), run act.
+    ModalScript& when(std::function<bool()> ready, std::function<void()> act) {
+        m_steps.push_back({std::move(ready), std::move(act)});
         return *this;
     }
     bool done() const { return m_steps.empty(); }
-    // The forms in the order their steps ran.
-    int ran() const { return m_ran; }
 
 private:
     struct Step {
@@ -54,7 +57,6 @@ private:
         if (!m_steps.front().ready()) return;
         auto act = m_steps.front().act;
         m_steps.pop_front();
-        ++m_ran;
         m_busy = true;
         QTimer::singleShot(0, [this, act] {
             m_busy = false;
@@ -66,6 +68,5 @@ private:
     QElapsedTimer m_clock;
     std::deque<Step> m_steps;
     int m_timeoutMs;
-    int m_ran = 0;
     bool m_busy = false;
 };

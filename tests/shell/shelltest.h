@@ -1,11 +1,24 @@
 #pragma once
-// What the shell's tests share: clean process-wide strings, clicks as a user makes them.
+// What the shell's tests share: clean process-wide strings, clicks as a user makes them,
+// the last box as one comparable value.
 
 #include "data/globals.h"
+#include "platform/errors.h"
+#include "platform/msgbox.h"
+#include "platform/runtime.h"
+#include "tests/support/printto.h"
+#include "tests/support/testsupport.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTest>
+
+#include <tuple>
+
+using testsupport::boxes;
+using namespace Qt::StringLiterals;
 
 namespace shelltest {
 
@@ -23,8 +36,9 @@ inline void click(QAbstractButton* b) {
     QTest::mouseClick(b, Qt::LeftButton);
 }
 
-inline void type(QLineEdit* e, const QString& text) {
-    e->setText(text);
+// Prompt, flags and title of the last box shown.
+inline std::tuple<QString, int, QString> lastBox() {
+    return {boxes().last().prompt, boxes().last().flags, boxes().last().title};
 }
 
 // An ODBC profile nothing can connect through.
