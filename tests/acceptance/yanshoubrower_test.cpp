@@ -4,7 +4,6 @@
 
 #include "acceptance/YanShouBrowerdofrm.h"
 #include "acceptance/YanShouBrowerfrm.h"
-#include "data/globals.h"
 #include "platform/Menu.h"
 #include "platform/flexgrid.h"
 #include "platform/maskedbox.h"
@@ -37,44 +36,32 @@ using testsupport::settle;
 const QString kFixture = QStringLiteral(" Where (status=1 or status=2)");
 const QString kAsk = QStringLiteral("该采购验收已经发生修改，是否保存修改？");
 
-class YanShou : public testsupport::DbTest {
+class YanShou : public testsupport::SessionDb {
 protected:
     void SetUp() override {
-        DbTest::SetUp();
-        gConnStr = makeDatabase(false);
+        SessionDb::SetUp();
         // Batch 1: 红楼梦 twice at one price (one title), 水浒传, and a status-2 row of
         // another source; batch 2: 红楼梦 again; 107 is still on order.
-        testsupport::execSqlite(
-            dbPath(),
-            QStringLiteral(
-                "INSERT INTO cgk (cgkid,bookfrom,bookname,author,publisher,isbn,pages,edition,"
-                "yddate,bookcount,status,batch,ysname,ysdate,ysprice,yscount) VALUES "
-                "(101,'新华书店','红楼梦','曹雪芹','人民文学出版社','7-02-000001-0',500,'1版',"
-                "'2003-01-10',3,1,'1','张三','2003-03-01',30,2),"
-                "(102,'新华书店','水浒传','施耐庵','人民文学出版社',NULL,NULL,NULL,"
-                "'2003-01-10',4,1,'1','张三','2003-03-01',25.5,4),"
-                "(103,'外文书店','C++','Stroustrup','机械工业出版社',NULL,NULL,NULL,"
-                "'2003-01-12',1,2,'1','李四','2003-03-02',80,1),"
-                "(104,'新华书店','红楼梦','曹雪芹','人民文学出版社',NULL,NULL,NULL,"
-                "'2003-02-01',1,1,'2','张三','2003-04-01',30,1),"
-                "(106,'新华书店','红楼梦','曹雪芹','人民文学出版社',NULL,NULL,NULL,"
-                "'2003-01-10',1,1,'1','张三','2003-03-01',30,1),"
-                "(107,'新华书店','西游记','吴承恩','人民文学出版社',NULL,NULL,NULL,"
-                "'2003-05-01',2,0,NULL,NULL,NULL,NULL,NULL)"));
-    }
-    void TearDown() override {
-        vb::FormRegistry::destroyAll();
-        DbTest::TearDown();
+        exec(QStringLiteral(
+            "INSERT INTO cgk (cgkid,bookfrom,bookname,author,publisher,isbn,pages,edition,"
+            "yddate,bookcount,status,batch,ysname,ysdate,ysprice,yscount) VALUES "
+            "(101,'新华书店','红楼梦','曹雪芹','人民文学出版社','7-02-000001-0',500,'1版',"
+            "'2003-01-10',3,1,'1','张三','2003-03-01',30,2),"
+            "(102,'新华书店','水浒传','施耐庵','人民文学出版社',NULL,NULL,NULL,"
+            "'2003-01-10',4,1,'1','张三','2003-03-01',25.5,4),"
+            "(103,'外文书店','C++','Stroustrup','机械工业出版社',NULL,NULL,NULL,"
+            "'2003-01-12',1,2,'1','李四','2003-03-02',80,1),"
+            "(104,'新华书店','红楼梦','曹雪芹','人民文学出版社',NULL,NULL,NULL,"
+            "'2003-02-01',1,1,'2','张三','2003-04-01',30,1),"
+            "(106,'新华书店','红楼梦','曹雪芹','人民文学出版社',NULL,NULL,NULL,"
+            "'2003-01-10',1,1,'1','张三','2003-03-01',30,1),"
+            "(107,'新华书店','西游记','吴承恩','人民文学出版社',NULL,NULL,NULL,"
+            "'2003-05-01',2,0,NULL,NULL,NULL,NULL,NULL)"));
     }
     YanShouBrowerfrm& b() { return vb::form<YanShouBrowerfrm>(); }
     YanShouBrowerdofrm& d() { return vb::form<YanShouBrowerdofrm>(); }
     vb::FlexGrid* grid() { return b().Grid1(); }
-    QString sql(const QString& q) { return testsupport::querySqlite(dbPath(), q); }
-    QStringList ids() {
-        QStringList out;
-        for (int r = 1; r < grid()->Rows(); ++r) out << grid()->TextMatrix(r, 0);
-        return out;
-    }
+    QStringList ids() { return testsupport::gridColumn(grid(), 0); }
     // The browser filled with the accepted rows in cgkid order.
     void openList(const QString& extra = QString()) {
         b().Show(0);
@@ -100,7 +87,7 @@ protected:
     }
 };
 
-TEST_F(YanShou, TheListIsEmptyUntilFindAndFindReachesItByName) {
+TEST_F(YanShou, TheListTheDetailAndItsSaves) {
     b().Show(0);
     EXPECT_EQ(b().fixture_Where, kFixture);
     EXPECT_EQ(b().total_Where, kFixture);
@@ -141,9 +128,8 @@ TEST_F(YanShou, TheListIsEmptyUntilFindAndFindReachesItByName) {
     b().Command1_Click(1);
     QTest::keyClick(grid(), Qt::Key_Return);
     EXPECT_FALSE(d().isLoaded());
-}
 
-TEST_F(YanShou, TheDetailOpensModallyFromTheListAndClosesWithoutAQuestion) {
+    // The popup's 明细 opens the detail modally; unchanged, it closes without a question.
     openList();
     grid()->setRow(2);
     bool seen = false;
@@ -165,10 +151,8 @@ TEST_F(YanShou, TheDetailOpensModallyFromTheListAndClosesWithoutAQuestion) {
     EXPECT_FALSE(d().isLoaded());
     EXPECT_TRUE(boxes().calls().empty());
     EXPECT_EQ(d().listRow, 2);
-}
 
-TEST_F(YanShou, CopiesAreSavedToTheOrderAndOnlyChangedColumnsAreSent) {
-    openList();
+    // 册 数 is saved to the order's bookcount; emptied fields become NULL.
     openDetail(1);
     type(9, QStringLiteral("007"));
     EXPECT_EQ(d().Text1(9)->text(), QStringLiteral("7"));
@@ -177,10 +161,10 @@ TEST_F(YanShou, CopiesAreSavedToTheOrderAndOnlyChangedColumnsAreSent) {
     EXPECT_TRUE(d().Command2(0)->isEnabled());
     d().Command2_Click(0);
     EXPECT_TRUE(boxes().calls().empty());
-    EXPECT_EQ(sql(QStringLiteral("SELECT bookcount||'/'||yscount FROM cgk WHERE cgkid=101")),
+    EXPECT_EQ(q(QStringLiteral("SELECT bookcount||'/'||yscount FROM cgk WHERE cgkid=101")),
               QStringLiteral("7/2"));
-    EXPECT_EQ(sql(QStringLiteral("SELECT count(*) FROM cgk WHERE cgkid=101 AND author IS NULL AND "
-                                 "pages IS NULL AND bookname='红楼梦'")),
+    EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM cgk WHERE cgkid=101 AND author IS NULL AND "
+                               "pages IS NULL AND bookname='红楼梦'")),
               QStringLiteral("1"));
     EXPECT_FALSE(d().Command2(0)->isEnabled());
     // The list shows what was typed until the next search reads yscount again.
@@ -190,11 +174,10 @@ TEST_F(YanShou, CopiesAreSavedToTheOrderAndOnlyChangedColumnsAreSent) {
     // One field changed: that column alone. The author changed behind the form's back
     // would be undone by a save that sent every column.
     openDetail(2);
-    testsupport::execSqlite(dbPath(),
-                            QStringLiteral("UPDATE cgk SET author='别人' WHERE cgkid=102"));
+    exec(QStringLiteral("UPDATE cgk SET author='别人' WHERE cgkid=102"));
     type(11, QStringLiteral("2版"));
     d().Command2_Click(0);
-    EXPECT_EQ(sql(QStringLiteral("SELECT edition||author FROM cgk WHERE cgkid=102")),
+    EXPECT_EQ(q(QStringLiteral("SELECT edition||author FROM cgk WHERE cgkid=102")),
               QStringLiteral("2版别人"));
     b().loadGridData(b().total_Where, b().orderby_String);
     EXPECT_EQ(grid()->TextMatrix(1, 5), QStringLiteral("2"));
@@ -226,8 +209,8 @@ TEST_P(Validation, TheFirstEmptyRequiredFieldStopsTheSaveAndTheClose) {
     d().Command2_Click(1);
     EXPECT_EQ(boxes().calls()[1].prompt, kAsk);
     EXPECT_TRUE(d().isLoaded()); // still open, nothing written
-    EXPECT_EQ(sql(QStringLiteral("SELECT count(*) FROM cgk WHERE cgkid=101 AND bookname='红楼梦' "
-                                 "AND yscount=2 AND ysprice=30")),
+    EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM cgk WHERE cgkid=101 AND bookname='红楼梦' "
+                               "AND yscount=2 AND ysprice=30")),
               QStringLiteral("1"));
 }
 
@@ -268,10 +251,9 @@ TEST_F(YanShou, WalkingPastEitherEndLeavesTheListAndComesBack) {
     boxes().answer(vb::vbYes);
     d().Command1_Click(2);
     EXPECT_EQ(boxes().prompts(), (QStringList{kAsk, kAsk}));
-    EXPECT_EQ(sql(QStringLiteral("SELECT bookname FROM cgk WHERE cgkid=106")),
+    EXPECT_EQ(q(QStringLiteral("SELECT bookname FROM cgk WHERE cgkid=106")),
               QStringLiteral("红楼梦"));
-    EXPECT_EQ(sql(QStringLiteral("SELECT measure FROM cgk WHERE cgkid=101")),
-              QStringLiteral("16开"));
+    EXPECT_EQ(q(QStringLiteral("SELECT measure FROM cgk WHERE cgkid=101")), QStringLiteral("16开"));
     EXPECT_EQ(d().cgkid(), 102);
 }
 
@@ -304,10 +286,10 @@ TEST_F(YanShou, LeavingAFieldRunsItsRule) {
     EXPECT_EQ(boxes().prompts(),
               (QStringList{QStringLiteral("文献类型：‘手稿’不存在，是否添加。"),
                            QStringLiteral("作品语言：‘藏文’不存在，是否添加。")}));
-    EXPECT_EQ(sql(QStringLiteral("SELECT count(*) FROM wxlx WHERE docclass='手稿'")),
+    EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM wxlx WHERE docclass='手稿'")),
               QStringLiteral("0"));
     EXPECT_EQ(
-        sql(QStringLiteral("SELECT count(*) FROM global WHERE type='language' AND code='藏文'")),
+        q(QStringLiteral("SELECT count(*) FROM global WHERE type='language' AND code='藏文'")),
         QStringLiteral("1"));
 }
 
@@ -360,7 +342,7 @@ TEST_F(YanShou, ThePrintsGroupTheConditionInForceByBatch) {
     b().loadGridData(kFixture + QStringLiteral(" AND (batch='9')"), QString());
     b().printVoucher();
     EXPECT_EQ(boxes().last().prompt, QStringLiteral("没有符合条件的记录！"));
-    EXPECT_EQ(sql(QStringLiteral("SELECT count(*) FROM printYStotal")), QStringLiteral("0"));
+    EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM printYStotal")), QStringLiteral("0"));
 }
 
 } // namespace

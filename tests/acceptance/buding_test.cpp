@@ -10,10 +10,6 @@
 
 namespace {
 
-using testsupport::settle;
-using testsupport::typeAndLeave;
-using testsupport::typeText;
-
 const QString kChosen = QStringLiteral("√");
 const QString kNot = QStringLiteral("×");
 const QString kAsk = QStringLiteral("是否确定补定所选书目？（Y/N）");
@@ -82,7 +78,7 @@ TEST_F(Replenish, ShortTitlesAreOrderedAgainOnceEach) {
     // Batch and source together, each matched whole, the quote doubled.
     search(QStringLiteral("B1"), QStringLiteral("O'Reilly书店"));
     ASSERT_TRUE(frm().isLoaded());
-    EXPECT_EQ(column(grid(), 0), QStringList{QStringLiteral("4")});
+    EXPECT_EQ(gridColumn(grid(), 0), QStringList{QStringLiteral("4")});
     // The batch alone: the three short titles of 新华书店 and O'Reilly's.
     search(QStringLiteral("B1"), QString());
     EXPECT_EQ(frm().caption(), QStringLiteral("补定单浏览"));
@@ -90,15 +86,14 @@ TEST_F(Replenish, ShortTitlesAreOrderedAgainOnceEach) {
     ASSERT_EQ(grid()->Cols(), 10);
     EXPECT_EQ(grid()->TextMatrix(0, 8), QStringLiteral("欠到册数"));
     EXPECT_EQ(grid()->TextMatrix(0, 9), QStringLiteral("补定册数"));
-    EXPECT_EQ(column(grid(), 8), (QStringList{QStringLiteral("2"), QStringLiteral("3"),
-                                              QStringLiteral("4"), QStringLiteral("1")}));
+    EXPECT_EQ(gridColumn(grid(), 8), (QStringList{QStringLiteral("2"), QStringLiteral("3"),
+                                                  QStringLiteral("4"), QStringLiteral("1")}));
     EXPECT_EQ(grid()->ColSel(), 9); // the whole row
     EXPECT_NEAR(grid()->ColWidth(3), vb::toTwips(grid()->width()) - 7665 - 80, 15);
 
     // Chosen with the shortfall; lowered, raised, zeroed (unchosen) and chosen again.
-    range(grid(), 1, 4);
-    key(grid(), Qt::Key_Space);
-    EXPECT_EQ(column(grid(), 9), column(grid(), 8));
+    press(grid(), 1, 4, Qt::Key_Space);
+    EXPECT_EQ(gridColumn(grid(), 9), gridColumn(grid(), 8));
     edit(1, 2, QStringLiteral("1")); // lowered: 2 short, 1 ordered
     edit(2, 5, QStringLiteral("7")); // raised: no upper check
     edit(3, 9, QStringLiteral("0")); // zeroed
@@ -106,11 +101,9 @@ TEST_F(Replenish, ShortTitlesAreOrderedAgainOnceEach) {
     EXPECT_EQ(grid()->TextMatrix(3, 9), QStringLiteral("0"));
     EXPECT_EQ(grid()->Col(), 0);
     EXPECT_EQ(grid()->ColSel(), 9);
-    range(grid(), 3, 3);
-    key(grid(), Qt::Key_Space);
+    press(grid(), 3, 3, Qt::Key_Space);
     EXPECT_EQ(grid()->TextMatrix(3, 9), QStringLiteral("4"));
-    range(grid(), 4, 4);
-    key(grid(), Qt::Key_Delete); // O'Reilly's stays out
+    press(grid(), 4, 4, Qt::Key_Delete);
 
     // No: nothing happens.
     boxes().clear();
@@ -142,7 +135,7 @@ TEST_F(Replenish, ShortTitlesAreOrderedAgainOnceEach) {
               QStringLiteral("3"));
     EXPECT_EQ(counter(), QStringLiteral("503"));
     // The unchosen row stays, under the blanked first row.
-    EXPECT_EQ(column(grid(), 0), (QStringList{QString(), QStringLiteral("4")}));
+    EXPECT_EQ(gridColumn(grid(), 0), (QStringList{QString(), QStringLiteral("4")}));
 
     // Not twice from the same rows; the new rows are open orders of their source.
     frm().Unload();
@@ -154,7 +147,7 @@ TEST_F(Replenish, ShortTitlesAreOrderedAgainOnceEach) {
     yanshou.Show(0);
     yanshou.Text1()->setText(QStringLiteral("新华书店"));
     ASSERT_TRUE(yanshou.openYanShouGrid());
-    QStringList found = column(vb::form<YanShoufrm>().Grid1(), 0);
+    QStringList found = gridColumn(vb::form<YanShoufrm>().Grid1(), 0);
     found.sort();
     EXPECT_EQ(found,
               (QStringList{QStringLiteral("500"), QStringLiteral("501"), QStringLiteral("502")}));
@@ -180,8 +173,7 @@ TEST_F(Replenish, AFailureAnywhereLeavesOnlyTheCounterMoved) {
         if (k == 11) exec(QStringLiteral("UPDATE Global SET code='32767' WHERE type='cgkid'"));
         boxes().clear();
         search(QStringLiteral("B1"), QString());
-        range(grid(), 1, 5);
-        key(grid(), Qt::Key_Space);
+        press(grid(), 1, 5, Qt::Key_Space);
         save(vb::vbYes);
         ASSERT_EQ(boxes().prompts(), (QStringList{kAsk, kFailed})) << k;
         EXPECT_EQ(dump(false), before) << k;
