@@ -103,6 +103,7 @@ protected:
 };
 
 using testsupport::boxes;
+using testsupport::cells;
 using testsupport::click;
 using testsupport::gridColumn;
 using testsupport::settle;

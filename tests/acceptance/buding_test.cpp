@@ -86,8 +86,7 @@ TEST_F(Replenish, ShortTitlesAreOrderedAgainOnceEach) {
     ASSERT_EQ(grid()->Cols(), 10);
     EXPECT_EQ(grid()->TextMatrix(0, 8), QStringLiteral("欠到册数"));
     EXPECT_EQ(grid()->TextMatrix(0, 9), QStringLiteral("补定册数"));
-    EXPECT_EQ(gridColumn(grid(), 8), (QStringList{QStringLiteral("2"), QStringLiteral("3"),
-                                                  QStringLiteral("4"), QStringLiteral("1")}));
+    EXPECT_EQ(gridColumn(grid(), 8), cells("2,3,4,1"));
     EXPECT_EQ(grid()->ColSel(), 9); // the whole row
     EXPECT_NEAR(grid()->ColWidth(3), vb::toTwips(grid()->width()) - 7665 - 80, 15);
 
@@ -149,8 +148,7 @@ TEST_F(Replenish, ShortTitlesAreOrderedAgainOnceEach) {
     ASSERT_TRUE(yanshou.openYanShouGrid());
     QStringList found = gridColumn(vb::form<YanShoufrm>().Grid1(), 0);
     found.sort();
-    EXPECT_EQ(found,
-              (QStringList{QStringLiteral("500"), QStringLiteral("501"), QStringLiteral("502")}));
+    EXPECT_EQ(found, cells("500,501,502"));
 
     // Nothing chosen: the question still, then no totals.
     boxes().clear();

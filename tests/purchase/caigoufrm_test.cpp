@@ -233,10 +233,11 @@ TEST_F(CaiGouForm, AddFindBrowseAndCloseAskFirstAndNoKeepsTheChanges) {
     f().Command1(0)->click();
     f().Text1(2)->setText(QStringLiteral("改了"));
     // 增加 asks; on No the duplicate check comes up and, cancelled, leaves the change.
-    boxes().answer({vb::vbNo, vb::vbNo});
+    boxes().answer({vb::vbNo, vb::vbNo, vb::vbNo});
     ModalScript script;
     script.on<loadCheckDatafrm>([](loadCheckDatafrm& d) { d.Command1(3)->click(); });
-    // 查找 asks too; on No the query builder comes up: 书名 包含 "书".
+    // 查找 asks too; on No the query builder comes up, first cancelled, then 书名 包含 "书".
+    script.on<Findfrm>([](Findfrm& find) { find.Unload(); });
     script.on<Findfrm>([](Findfrm& find) {
         EXPECT_EQ(find.doType, QStringLiteral("caigou"));
         auto* fields = find.ctl<QListWidget>(QStringLiteral("LFields"));
@@ -256,8 +257,11 @@ TEST_F(CaiGouForm, AddFindBrowseAndCloseAskFirstAndNoKeepsTheChanges) {
               QStringLiteral("1"));
     f().Command2(3)->click();
     settle();
+    EXPECT_TRUE(f().fieldChanged(2));
+    f().Command2(3)->click();
+    settle();
     EXPECT_TRUE(script.done());
-    EXPECT_EQ(boxes().prompts(), (QStringList{kAskSave, kAskSave}));
+    EXPECT_EQ(boxes().prompts(), (QStringList{kAskSave, kAskSave, kAskSave}));
     // The query narrows the walk and shows nothing yet; the next arrow steps from the first
     // match to the second.
     EXPECT_EQ(f().lastCond(), QStringLiteral(" Where bookname Like '%书%'"));

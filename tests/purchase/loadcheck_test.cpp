@@ -18,6 +18,7 @@
 namespace {
 
 using testsupport::boxes;
+using testsupport::cells;
 using testsupport::settle;
 
 const QString kIsbn = QStringLiteral("7-5000-1234-9");
@@ -90,15 +91,11 @@ TEST_F(LoadCheck, SearchShowsEveryPlaceAndCopyTakesTheRowByItsStatus) {
     EXPECT_EQ(d().searchKind, 1);
     QStringList states = testsupport::gridColumn(d().Grid1(), 1);
     states.sort();
-    EXPECT_EQ(states, (QStringList{QStringLiteral("套录库"), QStringLiteral("已编目"),
-                                   QStringLiteral("已验收"), QStringLiteral("预定中")}));
+    EXPECT_EQ(states, cells("套录库,已编目,已验收,预定中"));
     // The headings are the statement's on every database, the bare ISBN column too.
     QStringList headings;
     for (int c = 0; c < d().Grid1()->Cols(); ++c) headings << d().Grid1()->TextMatrix(0, c);
-    EXPECT_EQ(headings,
-              (QStringList{QStringLiteral("IDs"), QStringLiteral("状态"), QStringLiteral("书   名"),
-                           QStringLiteral("出 版 者"), QStringLiteral("ISBN"),
-                           QStringLiteral("版本、版次"), QStringLiteral("册 数")}));
+    EXPECT_EQ(headings, cells("IDs,状态,书   名,出 版 者,ISBN,版本、版次,册 数"));
     EXPECT_EQ(d().Grid1()->TextMatrix(rowOf(QStringLiteral("套录库")), 6), QString());
     EXPECT_EQ(d().Grid1()->TextMatrix(rowOf(QStringLiteral("已编目")), 6), QStringLiteral("4"));
     EXPECT_TRUE(d().Command1(1)->isEnabled());

@@ -49,6 +49,10 @@ void typeAndLeave(QLineEdit* field, const QString& text);
 void click(vb::Form& form, const QString& button);
 // The texts of one grid column below the header row.
 QStringList gridColumn(vb::FlexGrid* grid, int col);
+// "a,b,c" as a list, to compare a column in one line.
+inline QStringList cells(const char* csv) {
+    return QString::fromUtf8(csv).split(u',');
+}
 
 // A test with its own temporary folder, settings store and (on demand) database.
 class DbTest : public ::testing::Test {
