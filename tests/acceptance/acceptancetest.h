@@ -4,6 +4,7 @@
 // write on cgk.
 
 #include "platform/flexgrid.h"
+#include "tests/support/checks.h"
 #include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
@@ -88,6 +89,12 @@ protected:
         ASSERT_TRUE(QFile::copy(dbPath() + QStringLiteral(".kept"), dbPath()));
     }
 
+    // The columns' texts below the header, "a,b|c,d", to compare several in one line.
+    static QString gridColumns(vb::FlexGrid* g, std::initializer_list<int> cols) {
+        QStringList out;
+        for (int c : cols) out << testsupport::gridColumn(g, c).join(u',');
+        return out.join(u'|');
+    }
     static void key(vb::FlexGrid* g, Qt::Key k) {
         g->setFocus();
         testsupport::settle();
@@ -107,5 +114,6 @@ using testsupport::cells;
 using testsupport::click;
 using testsupport::gridColumn;
 using testsupport::settle;
+using testsupport::shown;
 using testsupport::typeAndLeave;
 using testsupport::typeText;

@@ -11,6 +11,7 @@
 #include "supplier/cgGYSfrm.h"
 #include "supplier/gysListfrm.h"
 #include "tests/shell/modalscript.h"
+#include "tests/support/checks.h"
 #include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
@@ -28,6 +29,8 @@ namespace {
 
 using testsupport::boxes;
 using testsupport::settle;
+using testsupport::shown;
+using testsupport::texts;
 
 const QString kAskSave = QStringLiteral("该采购资料已经发生修改，是否保存修改？");
 const QString kBlank = QStringLiteral("采购定单-空");
@@ -79,8 +82,7 @@ TEST_F(CaiGouForm, FromABlankFormThroughAnInsertToUpdatesOfChangedColumns) {
     // Fresh: blank, typing refused, and a field written by code is no change.
     EXPECT_EQ(f().addType, caigou::addEmpty);
     EXPECT_EQ(f().caption(), QStringLiteral("采购订单"));
-    EXPECT_FALSE(f().Command2(2)->isEnabled());
-    EXPECT_FALSE(f().Command2(1)->isVisible());
+    EXPECT_FALSE(f().Command2(2)->isEnabled() || f().Command2(1)->isVisible());
     f().Text1(1)->setFocus();
     settle();
     testsupport::typeText(f().Text1(1), QStringLiteral("abc"));
@@ -95,9 +97,8 @@ TEST_F(CaiGouForm, FromABlankFormThroughAnInsertToUpdatesOfChangedColumns) {
     EXPECT_EQ(QApplication::focusWidget(), f().Text1(4));
     // An arrow on an empty table: a blank form that takes typing.
     key(Qt::Key_N, Qt::AltModifier);
-    EXPECT_EQ(f().caption(), kBlank);
-    EXPECT_EQ(f().addType, caigou::addEditing);
-    EXPECT_EQ(f().cgkIDs(), 0);
+    EXPECT_EQ(f().caption() + QString::number(f().addType) + QString::number(f().cgkIDs()),
+              kBlank + QString::number(caigou::addEditing) + u'0');
     testsupport::typeText(f().Text1(1), QStringLiteral("abc"));
     EXPECT_EQ(f().Text1(1)->text(), QStringLiteral("abc"));
     EXPECT_TRUE(f().Command2(2)->isEnabled());
@@ -110,7 +111,7 @@ TEST_F(CaiGouForm, FromABlankFormThroughAnInsertToUpdatesOfChangedColumns) {
     EXPECT_EQ(f().Text1(9)->text(), QStringLiteral("7"));
     EXPECT_TRUE(f().fieldChanged(9));
     type(14, QStringLiteral("十元"));
-    EXPECT_EQ(boxes().prompts(), QStringList{QStringLiteral("无效数字格式，取消该操作。")});
+    EXPECT_EQ(shown(), QStringLiteral("无效数字格式，取消该操作。#16"));
     EXPECT_EQ(f().Text1(14)->text(), QString());
     EXPECT_EQ(QApplication::focusWidget(), f().Text1(14));
     boxes().clear();
@@ -121,13 +122,11 @@ TEST_F(CaiGouForm, FromABlankFormThroughAnInsertToUpdatesOfChangedColumns) {
     f().Command2(2)->click();
     settle();
     EXPECT_TRUE(boxes().calls().empty()) << boxes().prompts().join(u'|').toStdString();
-    EXPECT_EQ(f().cgkIDs(), 40);
-    EXPECT_EQ(counter(), QStringLiteral("41"));
-    EXPECT_EQ(f().caption(), QStringLiteral("采购定单-40"));
+    EXPECT_EQ(QString::number(f().cgkIDs()) + u'/' + counter() + u'/' + f().caption(),
+              QStringLiteral("40/41/采购定单-40"));
     EXPECT_EQ(f().addType, caigou::addEditing);
-    EXPECT_FALSE(f().Command2(2)->isEnabled());
+    EXPECT_FALSE(f().Command2(2)->isEnabled() || f().Command2(1)->isVisible());
     EXPECT_TRUE(f().Command2(1)->isEnabled());
-    EXPECT_FALSE(f().Command2(1)->isVisible());
     const QString row = QStringLiteral(" FROM cgk WHERE cgkid=40");
     EXPECT_EQ(q(QStringLiteral("SELECT bookname||'|'||(price=12.5)||'|'||status||'|'||cgname||'|'||"
                                "(zdcode IS NULL)||'|'||pages") +
@@ -160,11 +159,8 @@ TEST_F(CaiGouForm, ArrowsAskBeforeLeavingAChangeAndStepPastTheEnds) {
     exec(QStringLiteral("UPDATE cgk SET batch='B001' WHERE cgkid=10"));
     open();
     key(Qt::Key_F, Qt::AltModifier);
-    EXPECT_EQ(f().cgkIDs(), 10);
-    EXPECT_EQ(f().caption(), QStringLiteral("采购定单-10"));
-    EXPECT_EQ(f().Text1(16)->text(), QStringLiteral("2003-01-01"));
-    EXPECT_EQ(f().Text1(14)->text(), QStringLiteral("10"));
-    EXPECT_EQ(f().Text1(18)->text(), QStringLiteral("B001"));
+    EXPECT_EQ(f().caption() + u'|' + texts(f(), {16, 14, 18}),
+              QStringLiteral("采购定单-10|2003-01-01|10|B001"));
     EXPECT_TRUE(f().ctl<QCheckBox>(QStringLiteral("Check1"))->isChecked());
 
     // Yes with a fault: the save's box, no move; fixed and Yes: saved, yet still no move.
@@ -172,9 +168,7 @@ TEST_F(CaiGouForm, ArrowsAskBeforeLeavingAChangeAndStepPastTheEnds) {
     boxes().answer(vb::vbYes);
     f().Command1(2)->click();
     settle();
-    EXPECT_EQ(boxes().prompts(),
-              (QStringList{kAskSave, QStringLiteral("图书采购'估 价'不能为空，取消该操作。")}));
-    EXPECT_EQ(boxes().calls()[0].flags, 68);
+    EXPECT_EQ(shown(), kAskSave + QStringLiteral("#68\n图书采购'估 价'不能为空，取消该操作。#16"));
     EXPECT_EQ(f().cgkIDs(), 10);
     EXPECT_TRUE(f().saveFailed());
     f().Text1(14)->setText(QStringLiteral("15"));
@@ -206,10 +200,9 @@ TEST_F(CaiGouForm, ArrowsAskBeforeLeavingAChangeAndStepPastTheEnds) {
     EXPECT_EQ(f().cgkIDs(), 30);
     f().Command1(0)->click();
     f().Command1(1)->click();
-    EXPECT_EQ(f().caption(), kBlank);
-    EXPECT_EQ(f().cgkIDs(), 0);
-    EXPECT_EQ(f().addType, caigou::addEditing);
-    EXPECT_EQ(f().Text1(1)->text(), QString());
+    EXPECT_EQ(f().caption() + QString::number(f().addType) + QString::number(f().cgkIDs()) +
+                  f().Text1(1)->text(),
+              kBlank + QString::number(caigou::addEditing) + u'0');
     f().Command1(2)->click();
     EXPECT_EQ(f().cgkIDs(), 10);
     EXPECT_TRUE(boxes().calls().empty());
@@ -265,9 +258,8 @@ TEST_F(CaiGouForm, AddFindBrowseAndCloseAskFirstAndNoKeepsTheChanges) {
     // The query narrows the walk and shows nothing yet; the next arrow steps from the first
     // match to the second.
     EXPECT_EQ(f().lastCond(), QStringLiteral(" Where bookname Like '%书%'"));
-    EXPECT_EQ(f().cgkIDs(), 0);
-    EXPECT_EQ(f().addType, caigou::addEmpty);
-    EXPECT_EQ(f().caption(), QStringLiteral("采购定单-10")); // kept
+    EXPECT_EQ(f().caption() + QString::number(f().addType) + QString::number(f().cgkIDs()),
+              QStringLiteral("采购定单-10") + QString::number(caigou::addEmpty) + u'0'); // kept
     f().Command1(2)->click();
     EXPECT_EQ(f().cgkIDs(), 20);
 
@@ -276,8 +268,8 @@ TEST_F(CaiGouForm, AddFindBrowseAndCloseAskFirstAndNoKeepsTheChanges) {
     EXPECT_EQ(f().lastOrder(), QStringLiteral(" Order By price"));
     // 浏览 opens the browser on the form's last query.
     f().Command2(4)->click();
-    EXPECT_EQ(vb::form<CaiGoufindfrm>().lastCond, QStringLiteral(" Where bookname='书2'"));
-    EXPECT_EQ(vb::form<CaiGoufindfrm>().lastOrder, QStringLiteral(" Order By price"));
+    EXPECT_EQ(vb::form<CaiGoufindfrm>().lastCond + vb::form<CaiGoufindfrm>().lastOrder,
+              QStringLiteral(" Where bookname='书2' Order By price"));
     f().Command1(0)->click();
     EXPECT_EQ(f().cgkIDs(), 20);
     f().Command1(2)->click(); // the only match
@@ -315,9 +307,8 @@ TEST_F(CaiGouForm, UnknownSourceIsAddedThroughTheSupplierFormAndPassesAfterwards
     ASSERT_EQ(boxes().calls().size(), 1u);
     auto& d = vb::form<cgGYSdofrm>();
     ASSERT_TRUE(d.isVisible());
-    EXPECT_EQ(d.gysMode, 2);
-    EXPECT_EQ(d.caption(), QStringLiteral("增加供应商资料"));
-    EXPECT_EQ(d.Text1(0)->text(), QStringLiteral("未列书店"));
+    EXPECT_EQ(QString::number(d.gysMode) + d.caption() + d.Text1(0)->text(),
+              QStringLiteral("2增加供应商资料未列书店"));
     QApplication::setActiveWindow(d.window());
     settle();
     testsupport::typeAndLeave(d.Text1(1), QStringLiteral("南京"));
