@@ -7,6 +7,7 @@
 #include "query/Findfrm.h"
 #include "query/reports.h"
 #include "tests/shell/modalscript.h"
+#include "tests/support/checks.h"
 #include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
@@ -19,6 +20,7 @@ namespace {
 using testsupport::boxes;
 using testsupport::cells;
 using testsupport::settle;
+using testsupport::shown;
 
 class Browser : public testsupport::SessionDb {
 protected:
@@ -64,20 +66,20 @@ TEST_F(Browser, ListAndDeleteOfASelectionWhicheverEndIsTheRow) {
     open();
     ASSERT_EQ(grid()->Rows(), 7);
     EXPECT_EQ(grid()->ColWidth(0), 0);
-    EXPECT_EQ(grid()->TextMatrix(1, 1), QStringLiteral("预定中"));
-    EXPECT_EQ(grid()->TextMatrix(6, 1), QStringLiteral("已验收"));
-    EXPECT_EQ(grid()->TextMatrix(2, 2), QStringLiteral("2003/01/03"));
+    EXPECT_EQ(grid()->TextMatrix(1, 1) + grid()->TextMatrix(6, 1) + grid()->TextMatrix(2, 2),
+              QStringLiteral("预定中已验收2003/01/03"));
 
     boxes().answer({vb::vbNo, vb::vbYes, vb::vbYes});
     pressDelete(5, 6);
     EXPECT_EQ(ids(), QStringLiteral("10,20,30,40,50,60"));
     pressDelete(5, 6); // rows 5..6, the accepted one included
-    EXPECT_EQ(boxes().last().prompt, QStringLiteral("    是否确定删除所选采购资料？\r\n该操作将"
-                                                    "永久删除记录，是否继续？(Y/N)  "));
-    EXPECT_EQ(boxes().last().flags, vb::vbYesNo + vb::vbCritical);
     pressDelete(4, 2); // RowSel above Row
     EXPECT_EQ(ids(), QStringLiteral("10"));
-    EXPECT_EQ(boxes().calls().size(), 3u);
+    EXPECT_EQ(shown(), QStringLiteral("    是否确定删除所选采购资料？\r\n该操作将永久删除记录，"
+                                      "是否继续？(Y/N)  #%1\n")
+                           .arg(vb::vbYesNo + vb::vbCritical)
+                           .repeated(3)
+                           .chopped(1));
     EXPECT_EQ(testsupport::gridColumn(grid(), 0), QStringList{QStringLiteral("10")});
 
     // The only row deleted leaves a blank row, and that is nothing to delete: no question.
@@ -85,7 +87,7 @@ TEST_F(Browser, ListAndDeleteOfASelectionWhicheverEndIsTheRow) {
     pressDelete(1, 1);
     EXPECT_EQ(ids(), QString());
     ASSERT_EQ(grid()->Rows(), 2);
-    for (int c = 0; c < grid()->Cols(); ++c) EXPECT_TRUE(grid()->TextMatrix(1, c).isEmpty()) << c;
+    for (int c = 0; c < grid()->Cols(); ++c) EXPECT_EQ(grid()->TextMatrix(1, c), QString()) << c;
     pressDelete(1, 1);
     EXPECT_EQ(boxes().calls().size(), 4u);
 }
@@ -134,8 +136,7 @@ TEST_F(Browser, PrintFillsPrintCGInTheListsOrderWithATotal) {
     // Nothing matches: only the total, a count of nought, and no "no records" box.
     f().loadGridData(QStringLiteral(" Where cgkid<0"), QString());
     f().Command1(3)->click();
-    EXPECT_EQ(printed(), QStringLiteral("合  计:"));
-    EXPECT_EQ(vb::form<printCG>().Title, QStringLiteral("图书采购定单（0种）"));
+    EXPECT_EQ(printed() + vb::form<printCG>().Title, QStringLiteral("合  计:图书采购定单（0种）"));
     EXPECT_FALSE(boxes().prompts().contains(QStringLiteral("没有符合条件的记录！")));
 
     // A condition on the status name: the grid joins cgkStatus, the print does not and
