@@ -139,6 +139,7 @@ TEST_F(OrderPrint, SpanFailureIsTrappedWithItsReason) {
     EXPECT_TRUE(shown().startsWith(QStringLiteral("操作过程出现错误，错误原因如下：\r\n")));
     EXPECT_TRUE(shown().endsWith(QStringLiteral("#%1").arg(vb::vbInformation)));
     EXPECT_GT(boxes().last().prompt.size(), 20);
+    EXPECT_EQ(boxes().calls().size(), 1u);
 }
 
 } // namespace
