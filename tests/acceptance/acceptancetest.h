@@ -1,11 +1,10 @@
 #pragma once
-// Shared by the acceptance tests: a fresh database with orders made to measure, the forms
-// reached as a user reaches them, a dump of every table to prove a failed save left
-// nothing behind, and a fault that strikes the k-th write on cgk.
+// Shared by the acceptance tests: orders made to measure on a fresh database, a dump of
+// every table to prove a failed save left nothing behind, and a fault that strikes the k-th
+// write on cgk.
 
-#include "data/globals.h"
 #include "platform/flexgrid.h"
-#include "platform/form.h"
+#include "tests/support/checks.h"
 #include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
@@ -15,24 +14,13 @@
 #include <QPushButton>
 #include <QTest>
 
-#include <ostream>
-
-class AcceptanceDb : public testsupport::DbTest {
+class AcceptanceDb : public testsupport::SessionDb {
 protected:
+    AcceptanceDb() : SessionDb(false, QStringLiteral("验收员乙")) {}
     void SetUp() override {
-        DbTest::SetUp();
-        gConnStr = makeDatabase(false);
-        gUserName = QStringLiteral("验收员乙");
-        exec(QStringLiteral("DELETE FROM cgk"));
-        exec(QStringLiteral("UPDATE Global SET code='500' WHERE type='cgkid'"));
+        SessionDb::SetUp();
+        exec(QStringLiteral("DELETE FROM cgk; UPDATE Global SET code='500' WHERE type='cgkid'"));
     }
-    void TearDown() override {
-        vb::FormRegistry::destroyAll();
-        DbTest::TearDown();
-    }
-
-    QString q(const QString& sql) { return testsupport::querySqlite(dbPath(), sql); }
-    void exec(const QString& sql) { testsupport::execSqlite(dbPath(), sql); }
 
     // An open order.
     void order(int id, const QString& source, const QString& title, int count, const QString& price,
@@ -45,7 +33,7 @@ protected:
                  .arg(count)
                  .arg(yddate));
     }
-    // An accepted order, short by bookcount - yscount.
+    // An accepted order, short by count - got.
     void accepted(int id, const QString& source, const QString& batch, int count, int got) {
         order(id, source, QStringLiteral("已验收书%1").arg(id), count, QStringLiteral("20"));
         exec(QStringLiteral("UPDATE cgk SET status=1,batch='%1',yscount=%2,ysprice=20,"
@@ -63,15 +51,16 @@ protected:
                              "WHERE type='table' AND name<>'fault' ORDER BY name)"))
                 .split(u',');
         for (const QString& t : tables) {
-            const QStringList cols =
-                q(QStringLiteral("SELECT group_concat(name, ',') FROM pragma_table_info('%1')")
-                      .arg(t))
-                    .split(u',');
             QStringList quoted;
-            for (const QString& c : cols) quoted << QStringLiteral("quote(\"%1\")").arg(c);
-            QString where;
-            if (!withCounter && t.compare(QStringLiteral("Global"), Qt::CaseInsensitive) == 0)
-                where = QStringLiteral(" WHERE type<>'cgkid'");
+            for (const QString& c :
+                 q(QStringLiteral("SELECT group_concat(name, ',') FROM pragma_table_info('%1')")
+                       .arg(t))
+                     .split(u','))
+                quoted << QStringLiteral("quote(\"%1\")").arg(c);
+            const QString where =
+                !withCounter && t.compare(QStringLiteral("Global"), Qt::CaseInsensitive) == 0
+                    ? QStringLiteral(" WHERE type<>'cgkid'")
+                    : QString();
             out += t + u'\n' +
                    q(QStringLiteral("SELECT group_concat(r, char(10)) FROM (SELECT %1 AS r FROM "
                                     "\"%2\"%3 ORDER BY rowid)")
@@ -100,9 +89,11 @@ protected:
         ASSERT_TRUE(QFile::copy(dbPath() + QStringLiteral(".kept"), dbPath()));
     }
 
-    static void click(vb::Form& f, const QString& name) {
-        QTest::mouseClick(f.ctl<QPushButton>(name), Qt::LeftButton);
-        testsupport::settle();
+    // The columns' texts below the header, "a,b|c,d", to compare several in one line.
+    static QString gridColumns(vb::FlexGrid* g, std::initializer_list<int> cols) {
+        QStringList out;
+        for (int c : cols) out << testsupport::gridColumn(g, c).join(u',');
+        return out.join(u'|');
     }
     static void key(vb::FlexGrid* g, Qt::Key k) {
         g->setFocus();
@@ -110,14 +101,19 @@ protected:
         QTest::keyClick(g, k);
         testsupport::settle();
     }
-    static void range(vb::FlexGrid* g, int row, int rowSel) {
+    // Selects rows row..rowSel and presses the key on the grid.
+    static void press(vb::FlexGrid* g, int row, int rowSel, Qt::Key k) {
         g->setRow(row);
         g->setRowSel(rowSel);
+        key(g, k);
     }
-    static QStringList column(vb::FlexGrid* g, int c) {
-        QStringList out;
-        for (int r = 1; r < g->Rows(); ++r) out << g->TextMatrix(r, c);
-        return out;
-    }
-    static vb::ScriptedMsgBox& boxes() { return testsupport::boxes(); }
 };
+
+using testsupport::boxes;
+using testsupport::cells;
+using testsupport::click;
+using testsupport::gridColumn;
+using testsupport::settle;
+using testsupport::shown;
+using testsupport::typeAndLeave;
+using testsupport::typeText;

@@ -8,7 +8,6 @@
 #include "acceptance/YanShouBrowerfrm.h"
 #include "acceptance/YanShoudofrm.h"
 #include "acceptance/YanShoufrm.h"
-#include "data/globals.h"
 #include "platform/Menu.h"
 #include "platform/adodb.h"
 #include "platform/flexgrid.h"
@@ -43,12 +42,11 @@ using testsupport::typeAndLeave;
 const QString kSource = QStringLiteral("灯塔书局");
 const QString kIsbn = QStringLiteral("7-5000-0815-6");
 
-class Road : public testsupport::DbTest {
+class Road : public testsupport::SessionDb {
 protected:
+    Road() : SessionDb(true) {}
     void SetUp() override {
-        DbTest::SetUp();
-        gConnStr = makeDatabase(true);
-        gUserName = QStringLiteral("采购员甲");
+        SessionDb::SetUp();
         // The source is a known supplier; the demo never buys from it.
         exec(QStringLiteral("INSERT INTO cggys (publisher) VALUES ('%1')").arg(kSource));
         registerRoutes();
@@ -60,11 +58,8 @@ protected:
         for (int c = 0; c < Mainfrm::commandCount; ++c)
             if (c != Mainfrm::cmd口令修改 && c != Mainfrm::cmd关于系统)
                 Mainfrm::setCommandHandler(static_cast<Mainfrm::Command>(c), {});
-        vb::FormRegistry::destroyAll();
-        DbTest::TearDown();
+        SessionDb::TearDown();
     }
-    QString q(const QString& sql) { return testsupport::querySqlite(dbPath(), sql); }
-    void exec(const QString& sql) { testsupport::execSqlite(dbPath(), sql); }
     Mainfrm& frame() { return vb::form<Mainfrm>(); }
     void run(Mainfrm::Command c) {
         frame().runCommand(c);

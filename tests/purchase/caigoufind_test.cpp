@@ -1,25 +1,31 @@
-// The purchase browser driven through its grid and buttons: deleting a selection, the
-// column widths, the print of its list into printCG, the query builder's and the entry
-// form's ways in.
+// The purchase browser driven through its grid and buttons: the list, deleting a selection,
+// the two wide columns, the print of its list into printCG, and its ways in.
 #include "platform/Menu.h"
 #include "platform/flexgrid.h"
 #include "purchase/CaiGoufindfrm.h"
 #include "purchase/CaiGoufrm.h"
 #include "query/Findfrm.h"
 #include "query/reports.h"
-#include "tests/purchase/purchasetest.h"
 #include "tests/shell/modalscript.h"
+#include "tests/support/checks.h"
+#include "tests/support/printto.h"
+#include "tests/support/testsupport.h"
 
+#include <QLineEdit>
 #include <QPushButton>
+#include <QTest>
 
 namespace {
 
 using testsupport::boxes;
+using testsupport::cells;
+using testsupport::settle;
+using testsupport::shown;
 
-class Browser : public PurchaseDb {
+class Browser : public testsupport::SessionDb {
 protected:
-    // Orders 10, 20, 30 ...: title 书n, source 新华书店, order n days into 2003; the last
-    // one accepted, so that deletes are seen to pass over the status.
+    // Orders 10, 20, 30 ...: title 书n, n copies at 2.5, ordered on day n+1 of 2003; the
+    // last one accepted, so that deletes are seen to pass over the status.
     void addOrders(int n, int first = 1) {
         for (int i = first; i < first + n; ++i)
             exec(QStringLiteral("INSERT INTO cgk (cgkid,bookfrom,bookname,price,yddate,bookcount,"
@@ -55,53 +61,35 @@ protected:
     }
 };
 
-TEST_F(Browser, GridShowsStatusNamesAndSlashDates) {
-    addOrders(3);
+TEST_F(Browser, ListAndDeleteOfASelectionWhicheverEndIsTheRow) {
+    addOrders(6);
     open();
-    ASSERT_EQ(grid()->Rows(), 4);
-    EXPECT_EQ(grid()->Cols(), 21);
-    EXPECT_EQ(grid()->TextMatrix(0, 3), QStringLiteral("书   名"));
-    EXPECT_EQ(grid()->TextMatrix(1, 1), QStringLiteral("预定中"));
-    EXPECT_EQ(grid()->TextMatrix(3, 1), QStringLiteral("已验收"));
-    EXPECT_EQ(grid()->TextMatrix(2, 2), QStringLiteral("2003/01/03"));
+    ASSERT_EQ(grid()->Rows(), 7);
     EXPECT_EQ(grid()->ColWidth(0), 0);
-}
+    EXPECT_EQ(grid()->TextMatrix(1, 1) + grid()->TextMatrix(6, 1) + grid()->TextMatrix(2, 2),
+              QStringLiteral("预定中已验收2003/01/03"));
 
-struct Selection {
-    int row, rowSel;
-};
-class BrowserDelete : public Browser, public ::testing::WithParamInterface<Selection> {};
-
-TEST_P(BrowserDelete, SelectionGoesAfterOneQuestionWhicheverEndIsRow) {
-    addOrders(4);
-    open();
-    boxes().answer(vb::vbYes);
-    pressDelete(GetParam().row, GetParam().rowSel); // rows 2..4, the accepted one included
-    ASSERT_EQ(boxes().calls().size(), 1u);
-    EXPECT_EQ(boxes().last().prompt, QStringLiteral("    是否确定删除所选采购资料？\r\n该操作将"
-                                                    "永久删除记录，是否继续？(Y/N)  "));
-    EXPECT_EQ(boxes().last().flags, vb::vbYesNo + vb::vbCritical);
+    boxes().answer({vb::vbNo, vb::vbYes, vb::vbYes});
+    pressDelete(5, 6);
+    EXPECT_EQ(ids(), QStringLiteral("10,20,30,40,50,60"));
+    pressDelete(5, 6); // rows 5..6, the accepted one included
+    pressDelete(4, 2); // RowSel above Row
     EXPECT_EQ(ids(), QStringLiteral("10"));
-    EXPECT_EQ(grid()->Rows(), 2);
-    EXPECT_EQ(grid()->TextMatrix(1, 0), QStringLiteral("10"));
-}
-INSTANTIATE_TEST_SUITE_P(RowAboveOrBelow, BrowserDelete,
-                         ::testing::Values(Selection{2, 4}, Selection{4, 2}));
+    EXPECT_EQ(shown(), QStringLiteral("    是否确定删除所选采购资料？\r\n该操作将永久删除记录，"
+                                      "是否继续？(Y/N)  #%1\n")
+                           .arg(vb::vbYesNo + vb::vbCritical)
+                           .repeated(3)
+                           .chopped(1));
+    EXPECT_EQ(testsupport::gridColumn(grid(), 0), QStringList{QStringLiteral("10")});
 
-TEST_F(Browser, DeletingTheOnlyRowLeavesABlankRowAndNoIsNoDelete) {
-    addOrders(1);
-    open();
-    boxes().answer(vb::vbNo);
-    pressDelete(1, 1);
-    EXPECT_EQ(ids(), QStringLiteral("10"));
+    // The only row deleted leaves a blank row, and that is nothing to delete: no question.
     boxes().answer(vb::vbYes);
     pressDelete(1, 1);
     EXPECT_EQ(ids(), QString());
     ASSERT_EQ(grid()->Rows(), 2);
-    for (int c = 0; c < grid()->Cols(); ++c) EXPECT_TRUE(grid()->TextMatrix(1, c).isEmpty()) << c;
-    // The blank row is nothing to delete: no question.
+    for (int c = 0; c < grid()->Cols(); ++c) EXPECT_EQ(grid()->TextMatrix(1, c), QString()) << c;
     pressDelete(1, 1);
-    EXPECT_EQ(boxes().calls().size(), 2u);
+    EXPECT_EQ(boxes().calls().size(), 4u);
 }
 
 TEST_F(Browser, TheTwoWideColumnsFillTheWidthLessRoomForAScrollBar) {
@@ -121,10 +109,18 @@ TEST_F(Browser, TheTwoWideColumnsFillTheWidthLessRoomForAScrollBar) {
     EXPECT_NEAR(sumVisible(), vb::toTwips(grid()->width()) - 360, 9 * 15);
 }
 
-TEST_F(Browser, PrintOfTheListFillsPrintCGInItsOrderWithATotal) {
+TEST_F(Browser, PrintFillsPrintCGInTheListsOrderWithATotal) {
     addOrders(3);
-    open(QStringLiteral(" Where cgkid>10"));
-    f().loadGridData(f().lastCond, QStringLiteral(" Order By cgkid DESC"));
+    exec(QStringLiteral("UPDATE cgk SET yddate='2002-12-31' WHERE cgkid=20"));
+    // Before any load: by status, then date.
+    f().Show(0);
+    EXPECT_EQ(grid()->Rows(), 2);
+    EXPECT_TRUE(grid()->TextMatrix(1, 0).isEmpty());
+    f().Command1(3)->click();
+    EXPECT_EQ(printed(), QStringLiteral("书2:2|书1:1|书3:3|合  计:6"));
+
+    f().loadGridData(QStringLiteral(" Where cgkid>10"), QStringLiteral(" Order By cgkid DESC"));
+    boxes().clear();
     f().Command1(3)->click();
     EXPECT_EQ(printed(), QStringLiteral("书3:3|书2:2|合  计:5"));
     EXPECT_EQ(q(QStringLiteral("SELECT jine FROM printCG WHERE bookname='合  计'")),
@@ -136,40 +132,24 @@ TEST_F(Browser, PrintOfTheListFillsPrintCGInItsOrderWithATotal) {
     ASSERT_TRUE(report.DataSource);
     EXPECT_EQ(report.DataSource->rowCount(), 3);
     EXPECT_TRUE(f().isVisible()); // the browser stays open
-}
 
-TEST_F(Browser, PrintOfNothingHasOnlyTheTotalAndACountOfNought) {
-    addOrders(2);
-    exec(QStringLiteral("INSERT INTO printCG (bookname) VALUES ('上次的')"));
-    open(QStringLiteral(" Where cgkid<0"));
+    // Nothing matches: only the total, a count of nought, and no "no records" box.
+    f().loadGridData(QStringLiteral(" Where cgkid<0"), QString());
     f().Command1(3)->click();
-    EXPECT_EQ(printed(), QStringLiteral("合  计:"));
-    EXPECT_EQ(vb::form<printCG>().Title, QStringLiteral("图书采购定单（0种）"));
+    EXPECT_EQ(printed() + vb::form<printCG>().Title, QStringLiteral("合  计:图书采购定单（0种）"));
     EXPECT_FALSE(boxes().prompts().contains(QStringLiteral("没有符合条件的记录！")));
-}
 
-TEST_F(Browser, PrintOnAStatusNameConditionEndsTheProgram) {
-    addOrders(2);
-    open(QStringLiteral(" Where fieldsname='已验收'")); // the grid joins cgkStatus...
-    EXPECT_EQ(grid()->TextMatrix(1, 0), QStringLiteral("20"));
-    exec(QStringLiteral("INSERT INTO printCG (bookname) VALUES ('上次的')"));
-    QTest::mouseClick(f().Command1(3), Qt::LeftButton); // ...the print does not
+    // A condition on the status name: the grid joins cgkStatus, the print does not and
+    // ends the program, with printCG emptied before the failure.
+    f().loadGridData(QStringLiteral(" Where fieldsname='已验收'"), QString());
+    EXPECT_EQ(grid()->TextMatrix(1, 0), QStringLiteral("30"));
+    QTest::mouseClick(f().Command1(3), Qt::LeftButton);
     EXPECT_EQ(testsupport::processEnds(), 1);
     EXPECT_TRUE(boxes().last().prompt.startsWith(QStringLiteral("实时错误 '")));
-    EXPECT_EQ(printed(), QString()); // emptied before the failure
+    EXPECT_EQ(printed(), QString());
 }
 
-TEST_F(Browser, BeforeAnyLoadThePrintSortsByStatusThenDate) {
-    addOrders(3);
-    exec(QStringLiteral("UPDATE cgk SET yddate='2002-12-31' WHERE cgkid=20"));
-    f().Show(0);
-    EXPECT_EQ(grid()->Rows(), 2);
-    EXPECT_TRUE(grid()->TextMatrix(1, 0).isEmpty());
-    f().Command1(3)->click();
-    EXPECT_EQ(printed(), QStringLiteral("书2:2|书1:1|书3:3|合  计:6"));
-}
-
-TEST_F(Browser, QueryBuilderAndPopupReachTheBrowser) {
+TEST_F(Browser, ThePopupsQueryAndTheEntryFormsBrowseReachIt) {
     addOrders(3);
     open();
     ModalScript script;
@@ -183,22 +163,15 @@ TEST_F(Browser, QueryBuilderAndPopupReachTheBrowser) {
     settle();
     Menu::setPicker(previous);
     EXPECT_EQ(f().lastCond, QStringLiteral(" Where bookname='书2'"));
-    EXPECT_EQ(grid()->Rows(), 2);
-    EXPECT_EQ(grid()->TextMatrix(1, 0), QStringLiteral("20"));
-}
+    EXPECT_EQ(testsupport::gridColumn(grid(), 0), QStringList{QStringLiteral("20")});
 
-TEST_F(Browser, EntryFormBrowseOpensAFreshBrowserOnItsLastQuery) {
-    addOrders(3);
-    open();
     auto& entry = vb::form<CaiGoufrm>();
     entry.Show(0);
     entry.loadGridData(QStringLiteral(" Where cgkid<>20"), QStringLiteral(" Order By cgkid DESC"));
     entry.Command2(4)->click();
     EXPECT_TRUE(f().isVisible());
     EXPECT_EQ(f().lastCond, QStringLiteral(" Where cgkid<>20"));
-    ASSERT_EQ(grid()->Rows(), 3);
-    EXPECT_EQ(grid()->TextMatrix(1, 0), QStringLiteral("30"));
-    EXPECT_EQ(grid()->TextMatrix(2, 0), QStringLiteral("10"));
+    EXPECT_EQ(testsupport::gridColumn(grid(), 0), cells("30,10"));
 }
 
 } // namespace

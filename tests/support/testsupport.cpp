@@ -3,12 +3,14 @@
 #include "data/dbinit/dbinit.h"
 #include "data/sqlitecompat/orvane_compat.h"
 #include "platform/errors.h"
+#include "platform/flexgrid.h"
 #include "platform/runtime.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QInputMethodEvent>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTest>
 
 #include <sqlite3.h>
@@ -105,6 +107,17 @@ void typeAndLeave(QLineEdit* field, const QString& text) {
         typeText(field, text);
     QTest::keyClick(field, Qt::Key_Tab);
     settle();
+}
+
+void click(vb::Form& form, const QString& button) {
+    QTest::mouseClick(form.ctl<QPushButton>(button), Qt::LeftButton);
+    settle();
+}
+
+QStringList gridColumn(vb::FlexGrid* grid, int col) {
+    QStringList out;
+    for (int r = 1; r < grid->Rows(); ++r) out << grid->TextMatrix(r, col);
+    return out;
 }
 
 void DbTest::SetUp() {

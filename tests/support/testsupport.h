@@ -2,17 +2,24 @@
 // What every test of the project shares: the scripted message boxes, the recorded process
 // end, a temporary settings store, and fresh databases reached through the real ODBC path.
 
+#include "data/globals.h"
+#include "platform/form.h"
 #include "platform/msgbox.h"
 
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 class QLineEdit;
 class QWidget;
+namespace vb {
+class FlexGrid;
+}
 
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <utility>
 
 namespace testsupport {
 
@@ -38,6 +45,14 @@ void settle();
 void typeText(QWidget* w, const QString& text);
 // Gives the field the focus, replaces its text by typing (Backspace for ""), leaves with Tab.
 void typeAndLeave(QLineEdit* field, const QString& text);
+// Clicks the form's push button of that name with the mouse and lets the events run.
+void click(vb::Form& form, const QString& button);
+// The texts of one grid column below the header row.
+QStringList gridColumn(vb::FlexGrid* grid, int col);
+// "a,b,c" as a list, to compare a column in one line.
+inline QStringList cells(const char* csv) {
+    return QString::fromUtf8(csv).split(u',');
+}
 
 // A test with its own temporary folder, settings store and (on demand) database.
 class DbTest : public ::testing::Test {
@@ -57,6 +72,31 @@ private:
     std::unique_ptr<QTemporaryDir> m_dir;
     QString m_dbPath;
     QString m_profile;
+};
+
+// The state every form test starts from: a fresh database (the demo rows when asked) stored
+// as the profile and in gConnStr, and an operator logged in. Every form is destroyed after
+// the test, so no form carries a window or a connection into the next one.
+// Header-only: a test that does not use it need not link the data library.
+class SessionDb : public DbTest {
+protected:
+    explicit SessionDb(bool demo = false, QString user = QStringLiteral("采购员甲"))
+        : m_demo(demo), m_user(std::move(user)) {}
+    void SetUp() override {
+        DbTest::SetUp();
+        gConnStr = makeDatabase(m_demo);
+        gUserName = m_user;
+    }
+    void TearDown() override {
+        vb::FormRegistry::destroyAll();
+        DbTest::TearDown();
+    }
+    QString q(const QString& sql) const { return querySqlite(dbPath(), sql); }
+    void exec(const QString& sql) const { execSqlite(dbPath(), sql); }
+
+private:
+    bool m_demo;
+    QString m_user;
 };
 
 } // namespace testsupport

@@ -10,10 +10,6 @@
 
 namespace {
 
-using testsupport::settle;
-using testsupport::typeAndLeave;
-using testsupport::typeText;
-
 const QString kChosen = QStringLiteral("√");
 const QString kNot = QStringLiteral("×");
 const QString kAsk = QStringLiteral("是否确定补定所选书目？（Y/N）");
@@ -70,63 +66,50 @@ TEST_F(Replenish, ShortTitlesAreOrderedAgainOnceEach) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(dlg().window()));
     EXPECT_EQ(dlg().caption(), QStringLiteral("补 定 单"));
     click(dlg(), QStringLiteral("Command1_0"));
-    ASSERT_EQ(boxes().calls().size(), 1u);
-    EXPECT_EQ(boxes().last().prompt, QStringLiteral("无效补定条件，取消该操作。"));
+    EXPECT_EQ(boxes().prompts(), QStringList{QStringLiteral("无效补定条件，取消该操作。")});
     EXPECT_EQ(QApplication::focusWidget(), dlg().Text1(0));
     boxes().clear();
     search(QStringLiteral("B2"), QString());
-    ASSERT_EQ(boxes().calls().size(), 1u);
-    EXPECT_EQ(boxes().last().prompt, QStringLiteral("没有符合该条件的书目欠到，不需要补定单。"));
-    EXPECT_EQ(boxes().last().flags, 16);
+    EXPECT_EQ(shown(), QStringLiteral("没有符合该条件的书目欠到，不需要补定单。#16"));
     EXPECT_FALSE(frm().isLoaded());
     // Batch and source together, each matched whole, the quote doubled.
     search(QStringLiteral("B1"), QStringLiteral("O'Reilly书店"));
     ASSERT_TRUE(frm().isLoaded());
-    EXPECT_EQ(column(grid(), 0), QStringList{QStringLiteral("4")});
+    EXPECT_EQ(gridColumn(grid(), 0), QStringList{QStringLiteral("4")});
     // The batch alone: the three short titles of 新华书店 and O'Reilly's.
     search(QStringLiteral("B1"), QString());
     EXPECT_EQ(frm().caption(), QStringLiteral("补定单浏览"));
     EXPECT_EQ(dlg().Text1(0)->text(), QStringLiteral("B1")); // the dialog keeps its texts
     ASSERT_EQ(grid()->Cols(), 10);
-    EXPECT_EQ(grid()->TextMatrix(0, 8), QStringLiteral("欠到册数"));
-    EXPECT_EQ(grid()->TextMatrix(0, 9), QStringLiteral("补定册数"));
-    EXPECT_EQ(column(grid(), 8), (QStringList{QStringLiteral("2"), QStringLiteral("3"),
-                                              QStringLiteral("4"), QStringLiteral("1")}));
+    EXPECT_EQ(grid()->TextMatrix(0, 8) + grid()->TextMatrix(0, 9),
+              QStringLiteral("欠到册数补定册数"));
+    EXPECT_EQ(gridColumn(grid(), 8), cells("2,3,4,1"));
     EXPECT_EQ(grid()->ColSel(), 9); // the whole row
     EXPECT_NEAR(grid()->ColWidth(3), vb::toTwips(grid()->width()) - 7665 - 80, 15);
 
     // Chosen with the shortfall; lowered, raised, zeroed (unchosen) and chosen again.
-    range(grid(), 1, 4);
-    key(grid(), Qt::Key_Space);
-    EXPECT_EQ(column(grid(), 9), column(grid(), 8));
+    press(grid(), 1, 4, Qt::Key_Space);
+    EXPECT_EQ(gridColumn(grid(), 9), gridColumn(grid(), 8));
     edit(1, 2, QStringLiteral("1")); // lowered: 2 short, 1 ordered
     edit(2, 5, QStringLiteral("7")); // raised: no upper check
     edit(3, 9, QStringLiteral("0")); // zeroed
-    EXPECT_EQ(grid()->TextMatrix(3, 1), kNot);
-    EXPECT_EQ(grid()->TextMatrix(3, 9), QStringLiteral("0"));
-    EXPECT_EQ(grid()->Col(), 0);
-    EXPECT_EQ(grid()->ColSel(), 9);
-    range(grid(), 3, 3);
-    key(grid(), Qt::Key_Space);
+    EXPECT_EQ(grid()->TextMatrix(3, 1) + grid()->TextMatrix(3, 9), kNot + u'0');
+    EXPECT_EQ(QPoint(grid()->Col(), grid()->ColSel()), QPoint(0, 9));
+    press(grid(), 3, 3, Qt::Key_Space);
     EXPECT_EQ(grid()->TextMatrix(3, 9), QStringLiteral("4"));
-    range(grid(), 4, 4);
-    key(grid(), Qt::Key_Delete); // O'Reilly's stays out
+    press(grid(), 4, 4, Qt::Key_Delete);
 
     // No: nothing happens.
     boxes().clear();
     save(vb::vbNo);
-    ASSERT_EQ(boxes().calls().size(), 1u);
-    EXPECT_EQ(boxes().last().prompt, kAsk);
-    EXPECT_EQ(boxes().last().flags, 68);
+    EXPECT_EQ(shown(), kAsk + QStringLiteral("#68"));
     EXPECT_EQ(q(QStringLiteral("SELECT count(*) FROM cgk")), QStringLiteral("5"));
 
     boxes().clear();
     save(vb::vbYes);
-    ASSERT_EQ(boxes().calls().size(), 2u);
-    EXPECT_EQ(boxes().last().prompt,
-              QStringLiteral("补定书目成功。             \r\n补定种类：3；补定册数：12。"));
+    EXPECT_EQ(shown(), kAsk + QStringLiteral("#68\n补定书目成功。             \r\n"
+                                             "补定种类：3；补定册数：12。#64"));
     EXPECT_EQ(boxes().last().title, QStringLiteral("补定提示"));
-    EXPECT_EQ(boxes().last().flags, 64);
     // Old rows closed at what came; new rows numbered from the counter, bottom row first.
     EXPECT_EQ(
         q(QStringLiteral("SELECT group_concat(cgkid||':'||bookcount) FROM cgk WHERE cgkid<=4")),
@@ -142,7 +125,7 @@ TEST_F(Replenish, ShortTitlesAreOrderedAgainOnceEach) {
               QStringLiteral("3"));
     EXPECT_EQ(counter(), QStringLiteral("503"));
     // The unchosen row stays, under the blanked first row.
-    EXPECT_EQ(column(grid(), 0), (QStringList{QString(), QStringLiteral("4")}));
+    EXPECT_EQ(gridColumn(grid(), 0), (QStringList{QString(), QStringLiteral("4")}));
 
     // Not twice from the same rows; the new rows are open orders of their source.
     frm().Unload();
@@ -154,10 +137,9 @@ TEST_F(Replenish, ShortTitlesAreOrderedAgainOnceEach) {
     yanshou.Show(0);
     yanshou.Text1()->setText(QStringLiteral("新华书店"));
     ASSERT_TRUE(yanshou.openYanShouGrid());
-    QStringList found = column(vb::form<YanShoufrm>().Grid1(), 0);
+    QStringList found = gridColumn(vb::form<YanShoufrm>().Grid1(), 0);
     found.sort();
-    EXPECT_EQ(found,
-              (QStringList{QStringLiteral("500"), QStringLiteral("501"), QStringLiteral("502")}));
+    EXPECT_EQ(found, cells("500,501,502"));
 
     // Nothing chosen: the question still, then no totals.
     boxes().clear();
@@ -180,8 +162,7 @@ TEST_F(Replenish, AFailureAnywhereLeavesOnlyTheCounterMoved) {
         if (k == 11) exec(QStringLiteral("UPDATE Global SET code='32767' WHERE type='cgkid'"));
         boxes().clear();
         search(QStringLiteral("B1"), QString());
-        range(grid(), 1, 5);
-        key(grid(), Qt::Key_Space);
+        press(grid(), 1, 5, Qt::Key_Space);
         save(vb::vbYes);
         ASSERT_EQ(boxes().prompts(), (QStringList{kAsk, kFailed})) << k;
         EXPECT_EQ(dump(false), before) << k;
