@@ -1,11 +1,11 @@
 #include "supplier/cgGYSdofrm.h"
 
 #include "data/globals.h"
-#include "data/publicHanshu.h"
 #include "platform/adodb.h"
 #include "platform/errors.h"
 #include "platform/events.h"
 #include "platform/flexgrid.h"
+#include "platform/gridrow.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 #include "supplier/cgGYSfrm.h"
