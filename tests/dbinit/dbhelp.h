@@ -1,13 +1,16 @@
 #pragma once
 // Small sqlite3 helpers for the database tool's tests: a connection with the compat
-// functions, one-value and column queries, and a scratch folder.
+// functions, one-value and column queries, a scratch folder, and a database made once
+// per suite.
 
+#include "data/dbinit/dbinit.h"
 #include "data/sqlitecompat/orvane_compat.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
 #include <filesystem>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -107,6 +110,23 @@ public:
 
 private:
     std::filesystem::path path_;
+};
+
+// One database made by the tool for the whole suite (demo rows or not); each test opens
+// it afresh.
+template <bool Demo> class MadeDb : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        dir_ = std::make_unique<TempDir>();
+        std::string error;
+        ASSERT_TRUE(orvane::dbinit::createDatabase(path(), Demo, &error)) << error;
+    }
+    static void TearDownTestSuite() { dir_.reset(); }
+    static std::string path() { return dir_->file("made.db"); }
+    void SetUp() override { db = std::make_unique<Db>(path()); }
+
+    static inline std::unique_ptr<TempDir> dir_;
+    std::unique_ptr<Db> db;
 };
 
 } // namespace dbhelp
