@@ -7,7 +7,6 @@
 
 #include "card/cardcli.h"
 #include "card/carddriver.h"
-#include "card/kapianfmt.h"
 #include "card/marcreader.h"
 #include "platform/errors.h"
 
@@ -107,39 +106,4 @@ TEST(CardFuzz, MutatedRecordsFailOnlyInDefinedWays) {
     EXPECT_GT(runs - refused - failed, 0);
     EXPECT_GT(refused, 0);
     EXPECT_GT(failed, 0);
-}
-
-TEST(CardFuzz, FormattersOnArbitraryFields) {
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 rng(seed);
-    static const char16_t pieces[] = {31, 30, u'a', u'b', u'f', u'g', u'z', u' ', u'甲'};
-    QElapsedTimer timer;
-    timer.start();
-    int n = 0;
-    while (timer.elapsed() < 1000 && n < 100000) {
-        QString f;
-        const int len = int(rng() % 12);
-        for (int i = 0; i < len; ++i) f += QChar(pieces[rng() % std::size(pieces)]);
-        using Fn = QString (*)(QString&);
-        static const Fn all[] = {card::Kapian010, card::Kapian205, card::Kapian206, card::Kapian207,
-                                 card::Kapian208, card::Kapian210, card::Kapian215, card::Kapian225,
-                                 card::Kapian327, card::Kapian686};
-        for (Fn fn : all) {
-            QString copy = f;
-            try {
-                fn(copy);
-                // Whatever it gave, the variable is left with no delimiter in it.
-                if (f.contains(QChar(31))) {
-                    EXPECT_FALSE(copy.contains(QChar(31)));
-                }
-            } catch (const vb::VbError& e) {
-                // Only two delimiters in a row make a walk fail.
-                EXPECT_EQ(e.number(), vb::errInvalidCall);
-                EXPECT_TRUE(f.contains(QString(2, QChar(31)))) << vis(f).toStdString();
-            }
-        }
-        ++n;
-    }
-    EXPECT_GT(n, 100);
 }

@@ -78,30 +78,24 @@ TEST(CardCli, Arguments) {
 }
 
 TEST(CardCli, SplitterCutsAtRecordEndsAcrossChunks) {
-    QList<QByteArray> got;
-    card::RecordSplitter s(
-        [&](const QByteArray& r) { got << QByteArray(r.constData(), r.size()); });
-    const QByteArray stream = QByteArray("AAA\x1d\r\nBB") + QByteArray("B\x1d\n\x1d") + "CC";
-    // Fed one byte at a time, then the rest at once: the same records either way.
-    for (char c : stream) s.feed(&c, 1);
-    s.finish();
+    auto split = [](const QByteArray& stream, bool byteByByte) {
+        QList<QByteArray> got;
+        card::RecordSplitter s(
+            [&](const QByteArray& r) { got << QByteArray(r.constData(), r.size()); });
+        if (byteByByte) {
+            for (char c : stream) s.feed(&c, 1);
+        } else {
+            s.feed(stream.constData(), stream.size());
+        }
+        s.finish();
+        return got;
+    };
+    const QByteArray stream = QByteArray("AAA\x1d\r\nBBB\x1d\n\x1d") + "CC";
     const QList<QByteArray> expected{"AAA\x1d", "BBB\x1d", "\x1d", "CC"};
-    EXPECT_EQ(got, expected);
-
-    got.clear();
-    card::RecordSplitter whole(
-        [&](const QByteArray& r) { got << QByteArray(r.constData(), r.size()); });
-    whole.feed(stream.constData(), stream.size());
-    whole.finish();
-    EXPECT_EQ(got, expected);
-
+    EXPECT_EQ(split(stream, true), expected);
+    EXPECT_EQ(split(stream, false), expected);
     // Line breaks after the last record are no record.
-    got.clear();
-    card::RecordSplitter tail(
-        [&](const QByteArray& r) { got << QByteArray(r.constData(), r.size()); });
-    tail.feed("X\x1d\r\n\n", 5);
-    tail.finish();
-    EXPECT_EQ(got, QList<QByteArray>{"X\x1d"});
+    EXPECT_EQ(split("X\x1d\r\n\n", false), QList<QByteArray>{"X\x1d"});
 }
 
 TEST(CardCli, BatchWithABadRecord) {
@@ -177,88 +171,79 @@ TEST(CardCli, RecordTextOfBadBytes) {
     EXPECT_EQ(ok.text(), QStringLiteral("甲书"));
 }
 
+TEST(CardCli, OutputThatCannotBeWrittenIsSaidAndFails) {
+    // A device that refuses every write.
+    QString error;
+    const auto options = card::parseArguments({"--fields"}, &error);
+    ASSERT_TRUE(options);
+    QByteArray inBytes = gbkRecord(workedFields()), outBytes;
+    QBuffer in(&inBytes), out(&outBytes), err;
+    in.open(QIODevice::ReadOnly);
+    out.open(QIODevice::ReadOnly);
+    err.open(QIODevice::WriteOnly);
+    EXPECT_EQ(card::runCardTool(*options, in, out, err), 2);
+    EXPECT_TRUE(
+        QString::fromUtf8(err.data()).startsWith(QStringLiteral("orvane-card: 无法写出结果")))
+        << err.data().toStdString();
+}
+
+// The executable itself: its exit status and what it says, for files, standard input,
+// bad arguments and output that cannot be written.
 TEST(CardCli, Executable) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
-    const QString good = dir.filePath("good.mrc");
+    const QString good = dir.filePath("good.mrc"), missing = dir.filePath("missing.mrc");
     QFile f(good);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly));
     f.write(gbkRecord(workedFields()) + gbkRecord({{"200", "␟a甲书␞"}}));
     f.close();
-
-    QProcess p;
-    p.start(QStringLiteral(ORVANE_CARD_TOOL), {"--card", good, dir.filePath("missing.mrc")});
-    ASSERT_TRUE(p.waitForFinished(30000));
-    const QString out = QString::fromUtf8(p.readAllStandardOutput());
-    const QString err = QString::fromUtf8(p.readAllStandardError());
-    EXPECT_EQ(p.exitCode(), 2) << err.toStdString();
-    EXPECT_EQ(out.count(u'\f'), 1);
-    EXPECT_TRUE(out.contains(QStringLiteral("  ISBN 7-5000-1234-5（精装）:CNY25.00\x1e\n")));
-    EXPECT_TRUE(err.contains(QStringLiteral("无法打开 %1").arg(dir.filePath("missing.mrc"))));
-
-    // Standard input, and a bad record: status 1.
-    p.start(QStringLiteral(ORVANE_CARD_TOOL), {"--fields"});
-    ASSERT_TRUE(p.waitForStarted());
-    p.write("00010nam0 2200024   450 2\x1e\x1d");
-    p.closeWriteChannel();
-    ASSERT_TRUE(p.waitForFinished(30000));
-    EXPECT_EQ(p.exitCode(), 1);
-    EXPECT_TRUE(QString::fromUtf8(p.readAllStandardError()).contains(QStringLiteral("第1条记录")));
-
-    p.start(QStringLiteral(ORVANE_CARD_TOOL), {"--bogus"});
-    ASSERT_TRUE(p.waitForFinished(30000));
-    EXPECT_EQ(p.exitCode(), 2);
-    EXPECT_TRUE(QString::fromUtf8(p.readAllStandardError()).contains(QStringLiteral("用法")));
-}
-
-TEST(CardCli, OutputThatCannotBeWrittenIsSaidAndFails) {
-    const QByteArray input = gbkRecord(workedFields()) + gbkRecord({{"200", "␟a甲书␞"}});
-    {
-        // A device that refuses every write.
-        QString error;
-        const auto options = card::parseArguments({"--fields"}, &error);
-        ASSERT_TRUE(options);
-        QByteArray inBytes = input, outBytes;
-        QBuffer in(&inBytes), out(&outBytes), err;
-        in.open(QIODevice::ReadOnly);
-        out.open(QIODevice::ReadOnly);
-        err.open(QIODevice::WriteOnly);
-        EXPECT_EQ(card::runCardTool(*options, in, out, err), 2);
-        EXPECT_TRUE(
-            QString::fromUtf8(err.data()).startsWith(QStringLiteral("orvane-card: 无法写出结果")))
-            << err.data().toStdString();
-    }
-#ifdef Q_OS_UNIX
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    const QString file = dir.filePath("two.mrc");
-    QFile f(file);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(input);
-    f.close();
-    // A full disk and a closed standard output; the usage text too.
+    const QString tool = QStringLiteral(ORVANE_CARD_TOOL);
     struct Case {
-        QString program;
         QStringList args;
-        QString said;
+        QByteArray input;
+        QString output; // "" the pipe, "/dev/full", or "-" for a closed standard output
+        int status;
+        QString said;  // part of standard error
+        QString shown; // part of standard output
+        int cards = 0; // form feeds between the cards written
     };
-    std::vector<Case> cases{
-        {QStringLiteral(ORVANE_CARD_TOOL), {"--card", file}, QStringLiteral("无法写出结果")},
-        {QStringLiteral(ORVANE_CARD_TOOL), {"--help"}, QStringLiteral("无法写出用法说明")},
-        {QStringLiteral("/bin/sh"),
-         {"-c", "exec \"$0\" \"$@\" >&-", QStringLiteral(ORVANE_CARD_TOOL), "--raw", file},
-         QStringLiteral("无法写出结果")},
+    const Case cases[] = {
+        {{"--card", good, missing},
+         {},
+         {},
+         2,
+         "无法打开 " + missing,
+         QStringLiteral("  ISBN 7-5000-1234-5（精装）:CNY25.00\x1e\n"),
+         1},
+        {{"--fields"}, "00010nam0 2200024   450 2\x1e\x1d", {}, 1, "第1条记录", {}},
+        {{"--bogus"}, {}, {}, 2, "用法", {}},
+#ifdef Q_OS_UNIX
+        {{"--card", good}, {}, "/dev/full", 2, "无法写出结果", {}},
+        {{"--help"}, {}, "/dev/full", 2, "无法写出用法说明", {}},
+        {{"--raw", good}, {}, "-", 2, "无法写出结果", {}},
+#endif
     };
     for (const Case& c : cases) {
         QProcess p;
-        if (c.program != QLatin1String("/bin/sh"))
-            p.setStandardOutputFile(QStringLiteral("/dev/full"));
-        p.start(c.program, c.args);
+        if (c.output == QLatin1String("-")) {
+            p.start(QStringLiteral("/bin/sh"),
+                    QStringList{"-c", "exec \"$0\" \"$@\" >&-", tool} + c.args);
+        } else {
+            if (!c.output.isEmpty()) p.setStandardOutputFile(c.output);
+            p.start(tool, c.args);
+        }
+        ASSERT_TRUE(p.waitForStarted());
+        p.write(c.input);
+        p.closeWriteChannel();
         ASSERT_TRUE(p.waitForFinished(30000));
+        const QString out = QString::fromUtf8(p.readAllStandardOutput());
         const QString err = QString::fromUtf8(p.readAllStandardError());
-        EXPECT_EQ(p.exitCode(), 2) << c.args.join(' ').toStdString() << ": " << err.toStdString();
-        EXPECT_TRUE(err.contains(c.said))
-            << c.args.join(' ').toStdString() << ": " << err.toStdString();
+        const std::string what = c.args.join(' ').toStdString() + " > " + c.output.toStdString();
+        EXPECT_EQ(p.exitCode(), c.status) << what << ": " << err.toStdString();
+        EXPECT_TRUE(err.contains(c.said)) << what << ": " << err.toStdString();
+        EXPECT_TRUE(out.contains(c.shown)) << what;
+        if (c.output.isEmpty()) {
+            EXPECT_EQ(out.count(u'\f'), c.cards) << what;
+        }
     }
-#endif
 }
