@@ -4,7 +4,6 @@
 #include "cardrecords.h"
 
 #include "card/cardcli.h"
-#include "card/carddriver.h"
 #include "platform/gbk.h"
 
 #include <QBuffer>
@@ -23,24 +22,21 @@ QByteArray gbkRecord(const std::vector<Field>& fields) {
 
 struct ToolRun {
     int status;
-    QString out;
-    QString err;
+    QString out, err;
 };
 
-ToolRun runTool(const QStringList& args, const QByteArray& input) {
+// The tool in process; `writable` false gives it an output that refuses every write.
+ToolRun runTool(const QStringList& args, QByteArray input, bool writable = true) {
     QString error;
     const auto options = card::parseArguments(args, &error);
     EXPECT_TRUE(options) << error.toStdString();
-    QByteArray inBytes = input;
-    QBuffer in(&inBytes);
+    QBuffer in(&input), out, err;
     in.open(QIODevice::ReadOnly);
-    QBuffer out, err;
-    out.open(QIODevice::WriteOnly);
+    out.open(writable ? QIODevice::WriteOnly : QIODevice::ReadOnly);
     err.open(QIODevice::WriteOnly);
     const int status = card::runCardTool(*options, in, out, err);
-    const bool gbkOut = options->gbkOutput;
-    auto text = [gbkOut](const QByteArray& b) {
-        return gbkOut ? gbk::decode(b) : QString::fromUtf8(b);
+    const auto text = [&](const QByteArray& b) {
+        return options->gbkOutput ? gbk::decode(b) : QString::fromUtf8(b);
     };
     return {status, text(out.data()), text(err.data())};
 }
@@ -51,28 +47,18 @@ TEST(CardCli, Arguments) {
     QString error;
     auto o = card::parseArguments({}, &error);
     ASSERT_TRUE(o);
-    EXPECT_EQ(o->layout, card::Layout::Card);
-    EXPECT_FALSE(o->view);
-    EXPECT_TRUE(o->files.isEmpty());
-
+    EXPECT_TRUE(o->layout == card::Layout::Card && !o->view && o->files.isEmpty());
     o = card::parseArguments({"--fields", "a.mrc", "-", "--gbk", "--", "--raw"}, &error);
     ASSERT_TRUE(o);
-    EXPECT_EQ(o->layout, card::Layout::Fields);
-    EXPECT_TRUE(o->gbkOutput);
+    EXPECT_TRUE(o->layout == card::Layout::Fields && o->gbkOutput);
     EXPECT_EQ(o->files, (QStringList{"a.mrc", "-", "--raw"}));
-
-    struct Bad {
-        QStringList args;
-        const char* error;
-    } bad[] = {
-        {{"--card", "--raw"}, "只能选一个"},
-        {{"--view", "--fields"}, "不能与"},
-        {{"--cards"}, "未知选项: --cards"},
-    };
-    for (const Bad& b : bad) {
+    const std::pair<QStringList, const char*> bad[] = {{{"--card", "--raw"}, "只能选一个"},
+                                                       {{"--view", "--fields"}, "不能与"},
+                                                       {{"--cards"}, "未知选项: --cards"}};
+    for (const auto& [args, said] : bad) {
         error.clear();
-        EXPECT_FALSE(card::parseArguments(b.args, &error)) << b.args.join(' ').toStdString();
-        EXPECT_TRUE(error.contains(QString::fromUtf8(b.error))) << error.toStdString();
+        EXPECT_FALSE(card::parseArguments(args, &error)) << args.join(' ').toStdString();
+        EXPECT_TRUE(error.contains(QString::fromUtf8(said))) << error.toStdString();
     }
     EXPECT_TRUE(card::parseArguments({"--raw", "--raw"}, &error));
 }
@@ -123,25 +109,22 @@ TEST(CardCli, LongBatchKeepsOrderAndNumbers) {
     // More records than one batch: the cards come out in input order on every core, and a
     // bad record deep in the file is named by its number.
     QByteArray input;
-    for (int i = 1; i <= 5000; ++i) {
-        if (i == 3001)
-            input += "00010nam0 22xxxxx   450 \x1e\x1d";
-        else
-            input += gbkRecord({{"200", QStringLiteral("␟a书%1␞").arg(i)}});
-    }
+    for (int i = 1; i <= 5000; ++i)
+        input += i == 3001 ? QByteArray("00010nam0 22xxxxx   450 \x1e\x1d")
+                           : gbkRecord({{"200", QStringLiteral("␟a书%1␞").arg(i)}});
     const ToolRun r = runTool({}, input);
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.err,
               QStringLiteral("orvane-card: (标准输入): 第3001条记录: 实时错误 '13': 类型不匹配\n"));
     const QStringList cards = r.out.split(QStringLiteral("\f\n"));
     ASSERT_EQ(cards.size(), 4999);
-    for (int k = 0; k < cards.size(); ++k) {
-        const int n = k < 3000 ? k + 1 : k + 2;
-        ASSERT_TRUE(cards[k].startsWith(QStringLiteral("\n\n  书%1\x1e\n").arg(n))) << k;
-    }
+    for (int k = 0; k < cards.size(); ++k)
+        ASSERT_TRUE(
+            cards[k].startsWith(QStringLiteral("\n\n  书%1\x1e\n").arg(k < 3000 ? k + 1 : k + 2)))
+            << k;
 }
 
-TEST(CardCli, FieldsRawAndGbkOutput) {
+TEST(CardCli, FieldsRawGbkAndUnwritableOutput) {
     const QByteArray input = gbkRecord(workedFields());
     ToolRun r = runTool({"--fields"}, input);
     EXPECT_EQ(r.status, 0);
@@ -149,16 +132,17 @@ TEST(CardCli, FieldsRawAndGbkOutput) {
     EXPECT_EQ(r.out.section(u'\n', 3, 3),
               QStringLiteral("2001 $a数据结构$e算法与实践$f王小明著$g李华译"));
     EXPECT_EQ(r.out.count(u'\n'), 15); // the leader and 14 fields, each line ended
-
     // The record text as it stands, control characters included.
     r = runTool({"--raw", "--gbk"}, input + input);
-    EXPECT_EQ(r.out, record(workedFields()) + u'\n' + QStringLiteral("\f\n") +
-                         record(workedFields()) + u'\n');
-
+    EXPECT_EQ(r.out,
+              record(workedFields()) + QStringLiteral("\n\f\n") + record(workedFields()) + u'\n');
     // Only blanks and line breaks: no record, and that is no failure.
     r = runTool({}, "\r\n\n");
-    EXPECT_EQ(r.status, 0);
-    EXPECT_TRUE(r.out.isEmpty());
+    EXPECT_TRUE(r.status == 0 && r.out.isEmpty());
+    r = runTool({"--fields"}, input, false);
+    EXPECT_EQ(r.status, 2);
+    EXPECT_TRUE(r.err.startsWith(QStringLiteral("orvane-card: 无法写出结果")))
+        << r.err.toStdString();
 }
 
 TEST(CardCli, RecordTextOfBadBytes) {
@@ -167,31 +151,13 @@ TEST(CardCli, RecordTextOfBadBytes) {
     const card::MarcText t = card::recordText(QByteArray("AB\xd6"));
     EXPECT_EQ(t.text(), QStringLiteral("AB?"));
     EXPECT_EQ(t.bytes(), QByteArray("AB?"));
-    const card::MarcText ok = card::recordText(gbk::encode(QStringLiteral("甲书")));
-    EXPECT_EQ(ok.text(), QStringLiteral("甲书"));
-}
-
-TEST(CardCli, OutputThatCannotBeWrittenIsSaidAndFails) {
-    // A device that refuses every write.
-    QString error;
-    const auto options = card::parseArguments({"--fields"}, &error);
-    ASSERT_TRUE(options);
-    QByteArray inBytes = gbkRecord(workedFields()), outBytes;
-    QBuffer in(&inBytes), out(&outBytes), err;
-    in.open(QIODevice::ReadOnly);
-    out.open(QIODevice::ReadOnly);
-    err.open(QIODevice::WriteOnly);
-    EXPECT_EQ(card::runCardTool(*options, in, out, err), 2);
-    EXPECT_TRUE(
-        QString::fromUtf8(err.data()).startsWith(QStringLiteral("orvane-card: 无法写出结果")))
-        << err.data().toStdString();
+    EXPECT_EQ(card::recordText(gbk::encode(QStringLiteral("甲书"))).text(), QStringLiteral("甲书"));
 }
 
 // The executable itself: its exit status and what it says, for files, standard input,
 // bad arguments and output that cannot be written.
 TEST(CardCli, Executable) {
     QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
     const QString good = dir.filePath("good.mrc"), missing = dir.filePath("missing.mrc");
     QFile f(good);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly));
@@ -203,18 +169,12 @@ TEST(CardCli, Executable) {
         QByteArray input;
         QString output; // "" the pipe, "/dev/full", or "-" for a closed standard output
         int status;
-        QString said;  // part of standard error
-        QString shown; // part of standard output
-        int cards = 0; // form feeds between the cards written
+        QString said, shown; // parts of standard error and output
+        int cards = 0;       // form feeds between the cards written
     };
+    // clang-format off
     const Case cases[] = {
-        {{"--card", good, missing},
-         {},
-         {},
-         2,
-         "无法打开 " + missing,
-         QStringLiteral("  ISBN 7-5000-1234-5（精装）:CNY25.00\x1e\n"),
-         1},
+        {{"--card", good, missing}, {}, {}, 2, "无法打开 " + missing, QStringLiteral("  ISBN 7-5000-1234-5（精装）:CNY25.00\x1e\n"), 1},
         {{"--fields"}, "00010nam0 2200024   450 2\x1e\x1d", {}, 1, "第1条记录", {}},
         {{"--bogus"}, {}, {}, 2, "用法", {}},
 #ifdef Q_OS_UNIX
@@ -223,6 +183,7 @@ TEST(CardCli, Executable) {
         {{"--raw", good}, {}, "-", 2, "无法写出结果", {}},
 #endif
     };
+    // clang-format on
     for (const Case& c : cases) {
         QProcess p;
         if (c.output == QLatin1String("-")) {
@@ -238,12 +199,10 @@ TEST(CardCli, Executable) {
         ASSERT_TRUE(p.waitForFinished(30000));
         const QString out = QString::fromUtf8(p.readAllStandardOutput());
         const QString err = QString::fromUtf8(p.readAllStandardError());
-        const std::string what = c.args.join(' ').toStdString() + " > " + c.output.toStdString();
-        EXPECT_EQ(p.exitCode(), c.status) << what << ": " << err.toStdString();
-        EXPECT_TRUE(err.contains(c.said)) << what << ": " << err.toStdString();
-        EXPECT_TRUE(out.contains(c.shown)) << what;
-        if (c.output.isEmpty()) {
-            EXPECT_EQ(out.count(u'\f'), c.cards) << what;
-        }
+        SCOPED_TRACE(c.args.join(' ').toStdString() + " > " + c.output.toStdString() + ": " +
+                     err.toStdString());
+        EXPECT_EQ(p.exitCode(), c.status);
+        EXPECT_TRUE(err.contains(c.said) && out.contains(c.shown));
+        EXPECT_EQ(c.output.isEmpty() ? out.count(u'\f') : c.cards, c.cards);
     }
 }

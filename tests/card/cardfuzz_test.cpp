@@ -21,20 +21,12 @@ using namespace cardtest;
 namespace {
 
 std::vector<QString> seeds() {
-    return {
-        workedRecord(),
-        record({{"200", "␟a甲书␞"}}),
-        record({{"010", "␟a甲␟z乙␟dCNY5␞"},
-                {"200", "␟f某␟g译␟a题␟e副␞"},
-                {"210", "␟a京␟b址␟e印␟h厂␞"},
-                {"215", "␟c图␟e盘␞"},
-                {"225", "␟f编␟a丛␞"},
-                {"324", "␟a注␞"},
-                {"327", "␟a章␟a节␞"},
-                {"686", "␟aX␞"},
-                {"690", "␟aK␞"},
-                {"701", "␟a 王␞"}}),
-    };
+    // clang-format off
+    return {workedRecord(), record({{"200", "␟a甲书␞"}}),
+            record({{"010", "␟a甲␟z乙␟dCNY5␞"}, {"200", "␟f某␟g译␟a题␟e副␞"}, {"210", "␟a京␟b址␟e印␟h厂␞"},
+                    {"215", "␟c图␟e盘␞"}, {"225", "␟f编␟a丛␞"}, {"324", "␟a注␞"}, {"327", "␟a章␟a节␞"},
+                    {"686", "␟aX␞"}, {"690", "␟aK␞"}, {"701", "␟a 王␞"}})};
+    // clang-format on
 }
 
 bool definedError(int n) {
@@ -45,30 +37,19 @@ QString mutate(QString s, std::mt19937& rng) {
     auto pick = [&](int n) { return int(rng() % unsigned(std::max(n, 1))); };
     static const char16_t alphabet[] = {29,   30,   31,   u'0', u'9',  u' ',   u'a',  u'-',
                                         u'.', u'&', u'H', u'e', u'甲', 0xD800, u'？', u'Ⅰ'};
-    const int steps = 1 + pick(4);
-    for (int i = 0; i < steps; ++i) {
+    for (int i = 0, steps = 1 + pick(4); i < steps; ++i) {
         const int at = pick(int(s.size()) + 1);
+        // clang-format off
         switch (pick(6)) {
-        case 0: // replace one character
-            if (!s.isEmpty()) s[std::min<qsizetype>(at, s.size() - 1)] = QChar(alphabet[pick(16)]);
-            break;
-        case 1:
-            s.insert(at, QChar(alphabet[pick(16)]));
-            break;
-        case 2:
-            s.remove(at, pick(8));
-            break;
-        case 3:
-            s.truncate(at);
-            break;
-        case 4:
-            s.insert(at, s.mid(pick(int(s.size())), pick(24)));
-            break;
-        case 5: // a directory digit, where the structure is most fragile
-            if (s.size() > 30)
-                s[12 + pick(std::min<int>(int(s.size()) - 12, 170))] = QChar(u'0' + pick(10));
-            break;
+        case 0: if (!s.isEmpty()) s[std::min<qsizetype>(at, s.size() - 1)] = QChar(alphabet[pick(16)]); break;
+        case 1: s.insert(at, QChar(alphabet[pick(16)])); break;
+        case 2: s.remove(at, pick(8)); break;
+        case 3: s.truncate(at); break;
+        case 4: s.insert(at, s.mid(pick(int(s.size())), pick(24))); break;
+        // A directory digit, where the structure is most fragile.
+        case 5: if (s.size() > 30) s[12 + pick(std::min<int>(int(s.size()) - 12, 170))] = QChar(u'0' + pick(10)); break;
         }
+        // clang-format on
     }
     return s;
 }
