@@ -10,7 +10,7 @@ extern QString gUserName;  // the operator, as typed at login
 extern QString gLoginName; // key of the password change
 
 // Where the profile is kept, and what marks that none is.
-inline const QString kSettingApp = QStringLiteral("Orvane文献系统");
-inline const QString kSettingSection = QStringLiteral("Setting");
-inline const QString kSettingKey = QStringLiteral("OrvanePass");
-inline const QString kNoProfile = QStringLiteral("NotExsists");
+extern const QString kSettingApp;     // "Orvane文献系统"
+extern const QString kSettingSection; // "Setting"
+extern const QString kSettingKey;     // "OrvanePass"
+extern const QString kNoProfile;      // "NotExsists"

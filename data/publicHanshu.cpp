@@ -1,18 +1,11 @@
 #include "data/publicHanshu.h"
 
 #include "data/globals.h"
+#include "data/isbn.h"
 #include "platform/adodb.h"
 #include "platform/errors.h"
-#include "platform/flexgrid.h"
-#include "platform/form.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
-
-QString gConnStr;
-QString gServer;
-QString gDatabase;
-QString gUserName;
-QString gLoginName;
 
 QDateTime serverDate() {
     QDateTime result = QDateTime::currentDateTime();
@@ -55,41 +48,10 @@ int16_t fieldKind(const QString& name) {
     return 0;
 }
 
-void setGridRow(int isEdit, vb::Form& form, const QVariantList& values) {
-    auto* grid = qobject_cast<vb::FlexGrid*>(form.findControl(QStringLiteral("Grid1")));
-    if (!grid) vb::raise(438, QStringLiteral("对象不支持该属性或方法"));
-    int row;
-    if (isEdit) {
-        row = grid->Row();
-    } else if (grid->TextMatrix(1, 0).isEmpty()) {
-        row = 1; // the first data row is still the blank one
-    } else {
-        grid->AddItem(QString());
-        row = grid->Rows() - 1;
-    }
-    for (int i = 0; i < values.size(); ++i) {
-        const QVariant& v = values[i];
-        if (v.isNull() || v.toString().isEmpty()) continue; // an emptied field keeps its old text
-        grid->setTextMatrix(row, i, v.toString());
-    }
-    grid->setRow(row);
-    grid->setCol(0);
-    grid->setColSel(grid->Cols() - 1);
-    if (!isEdit) grid->setTopRow(row);
-}
-
 QString isbnCheckChar(const QString& nine) {
-    if (nine.size() != 9) return {};
-    int sum = 0;
-    for (int i = 0; i < 9; ++i) {
-        const QChar c = nine[i];
-        if (c < u'0' || c > u'9') return {};
-        sum += (10 - i) * (c.unicode() - u'0');
-    }
-    const int r = sum % 11;
-    if (r == 0) return QStringLiteral("0");
-    if (r == 1) return QStringLiteral("X");
-    return QString::number(11 - r);
+    // A character outside Latin-1 turns into '?', which is no digit either.
+    const char c = orvane::isbn10Check(nine.toLatin1().toStdString());
+    return c ? QString(QChar::fromLatin1(c)) : QString();
 }
 
 QString checkIsbn(const QString& text) {

@@ -1,12 +1,12 @@
 #include "supplier/cgGYSdofrm.h"
 
 #include "data/globals.h"
-#include "data/publicHanshu.h"
 #include "platform/adodb.h"
 #include "platform/errors.h"
 #include "platform/events.h"
 #include "platform/flexgrid.h"
 #include "platform/formkit.h"
+#include "platform/gridrow.h"
 #include "platform/msgbox.h"
 #include "platform/vb.h"
 #include "supplier/cgGYSfrm.h"

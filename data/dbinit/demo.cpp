@@ -3,6 +3,8 @@
 
 #include "seed.h"
 
+#include "data/isbn.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -393,7 +395,8 @@ public:
             for (char c : p.prefix)
                 if (c != '-') nine += c;
             nine += number;
-            std::string full = std::string(p.prefix) + "-" + number + "-" + isbnCheck(nine);
+            std::string full =
+                std::string(p.prefix) + "-" + number + "-" + orvane::isbn10Check(nine);
             if (!unique_ || used_.insert(full).second) return full;
         }
     }

@@ -231,14 +231,4 @@ void writeCgkidCounter(RowSink& sink, int nextCgkid) {
     sink.insert("Global", "type,code", row);
 }
 
-char isbnCheck(std::string_view nineDigits) {
-    int sum = 0;
-    for (int i = 0; i < 9 && i < int(nineDigits.size()); ++i)
-        sum += (10 - i) * (nineDigits[size_t(i)] - '0');
-    const int r = sum % 11;
-    if (r == 0) return '0';
-    if (r == 1) return 'X';
-    return char('0' + 11 - r);
-}
-
 } // namespace orvane::dbinit

@@ -72,7 +72,4 @@ DemoFigures writeDemo(RowSink& sink);
 // count further holdings for load tests, ids from firstId on. Deterministic.
 void writeExtraHoldings(RowSink& sink, std::int64_t firstId, std::int64_t count);
 
-// ISBN-10 check character of nine digits ("X" for ten).
-char isbnCheck(std::string_view nineDigits);
-
 } // namespace orvane::dbinit

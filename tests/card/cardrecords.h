@@ -14,19 +14,16 @@
 
 namespace cardtest {
 
-inline QString in(QString s) {
-    for (QChar& c : s) {
-        if (c.unicode() >= 0x241D && c.unicode() <= 0x241F)
-            c = QChar(char16_t(c.unicode() - 0x2400));
-    }
+inline QString shifted(QString s, char16_t from, char16_t to, int by) {
+    for (QChar& c : s)
+        if (c.unicode() >= from && c.unicode() <= to) c = QChar(char16_t(c.unicode() + by));
     return s;
 }
-
-inline QString vis(QString s) {
-    for (QChar& c : s) {
-        if (c.unicode() >= 29 && c.unicode() <= 31) c = QChar(char16_t(c.unicode() + 0x2400));
-    }
-    return s;
+inline QString in(const QString& s) {
+    return shifted(s, 0x241D, 0x241F, -0x2400);
+}
+inline QString vis(const QString& s) {
+    return shifted(s, 29, 31, 0x2400);
 }
 
 struct Field {
@@ -34,31 +31,21 @@ struct Field {
     QString text; // with ␟ and the closing ␞
 };
 
-// The directory of `fields`, each entry's length and start counted in GBK bytes.
-inline QString directory(const std::vector<Field>& fields) {
-    QString dir;
-    qsizetype start = 0;
+// A whole record: leader with the right length and base address, a directory whose
+// lengths and starts count GBK bytes, ␞, the fields, ␝.
+inline QString record(const std::vector<Field>& fields) {
+    QString dir, data;
     for (const Field& f : fields) {
-        const qsizetype n = gbk::byteLength(in(f.text));
+        const qsizetype n = gbk::byteLength(in(f.text)), start = gbk::byteLength(data);
         dir += f.tag +
                QStringLiteral("%1%2").arg(n, 4, 10, QChar(u'0')).arg(start, 5, 10, QChar(u'0'));
-        start += n;
+        data += in(f.text);
     }
-    return dir;
-}
-
-// A whole record: leader with the right base address, directory, ␞, fields, ␝.
-inline QString record(const std::vector<Field>& fields) {
-    const QString dir = directory(fields);
-    const qsizetype base = 24 + gbk::byteLength(dir) + 1; // in bytes, like the starts
-    QString data;
-    for (const Field& f : fields) data += in(f.text);
     const QString body = dir + QChar(30) + data + QChar(29);
-    const qsizetype total = 24 + gbk::byteLength(body);
-    const QString leader = QStringLiteral("%1nam0 22%2   450 ")
-                               .arg(total, 5, 10, QChar(u'0'))
-                               .arg(base, 5, 10, QChar(u'0'));
-    return leader + body;
+    return QStringLiteral("%1nam0 22%2   450 ")
+               .arg(24 + gbk::byteLength(body), 5, 10, QChar(u'0'))
+               .arg(24 + gbk::byteLength(dir) + 1, 5, 10, QChar(u'0')) +
+           body;
 }
 
 // The made-up record of our card documentation, leader and directory as written there.

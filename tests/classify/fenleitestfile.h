@@ -27,38 +27,39 @@ inline bool writeFile(const QString& path, const QByteArray& bytes) {
     QFile f(path);
     return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
 }
-
 inline bool writeOutline(const QString& path, const QStringList& lines) {
     return writeFile(path, toGbk(lines));
 }
 
 // A small file of the shipped form that has every corner the reader must get right.
 inline QStringList sampleOutline() {
+    // clang-format off
     return {
-        QStringLiteral("说明：节前的行不读"),
-        QStringLiteral("A 不是大类，在节前"),
-        QStringLiteral("  [大类表]   "),
-        QStringLiteral("A 第一大类"),
-        QStringLiteral("   B 第二大类，前有空格"),
-        QStringLiteral(""),
-        QStringLiteral("T 工业类"),
-        QStringLiteral("t 小写的类"),
-        QStringLiteral(" [X] 前有空格的方括号行不结束本节]"),
-        QStringLiteral("[随便什么]"),
-        QStringLiteral("Z 结束行之后，不读"),
-        QStringLiteral("   [二级类目表]"),
-        QStringLiteral("A1 第一大类的第一个类"),
-        QStringLiteral(" A2 前有空格，不属于A"),
-        QStringLiteral("TB 工业类的第一个类"),
-        QStringLiteral("B1 第二大类的第一个类"),
-        QStringLiteral("A3 第一大类的第三个类"),
-        QStringLiteral("TP 工业类的第二个类"),
-        QStringLiteral("[A8] 第一大类中方括号类目"),
-        QStringLiteral("t1 小写类的类"),
-        QStringLiteral("[A9]"),
-        QStringLiteral("A10 结束行之后，不读"),
-        QStringLiteral("TV 结束行之后，不读"),
+        "说明：节前的行不读",
+        "A 不是大类，在节前",
+        "  [大类表]   ",
+        "A 第一大类",
+        "   B 第二大类，前有空格",
+        "",
+        "T 工业类",
+        "t 小写的类",
+        " [X] 前有空格的方括号行不结束本节]",
+        "[随便什么]",
+        "Z 结束行之后，不读",
+        "   [二级类目表]",
+        "A1 第一大类的第一个类",
+        " A2 前有空格，不属于A",
+        "TB 工业类的第一个类",
+        "B1 第二大类的第一个类",
+        "A3 第一大类的第三个类",
+        "TP 工业类的第二个类",
+        "[A8] 第一大类中方括号类目",
+        "t1 小写类的类",
+        "[A9]",
+        "A10 结束行之后，不读",
+        "TV 结束行之后，不读",
     };
+    // clang-format on
 }
 
 } // namespace fenleitest

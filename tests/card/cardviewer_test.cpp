@@ -50,28 +50,25 @@ QString fieldsOf(const QString& marc) {
 
 } // namespace
 
-TEST(CardViewer, DesignOfTheForm) {
-    auto& f = open(workedRecord(), QString());
+TEST(CardViewer, DesignAndOpeningModes) {
+    const QString marc = workedRecord();
+    auto& f = open(marc, QString());
     EXPECT_EQ(f.caption(), QStringLiteral("【灵巧marc编辑器】阅读MARC数据"));
     EXPECT_EQ(f.ctl<QLabel>(QStringLiteral("Label2"))->text(), QStringLiteral("通用MARC阅读器"));
     EXPECT_NE(f.findControl(QStringLiteral("Line1")), nullptr);
-    const QStringList captions{"&B 标准式", "&K 卡片式", "&Z 字段式", "&Q 返回"};
-    const QStringList tags{"标准式", "卡片式", "字段式", "返回"};
+    QStringList captions;
     for (int i = 0; i < 4; ++i) {
         auto* b = f.ctl<QPushButton>(QStringLiteral("cmdclick"), i);
-        EXPECT_EQ(b->text(), captions[i]);
-        EXPECT_EQ(b->property("Tag").toString(), tags[i]);
+        captions << b->text() + u'=' + b->property("Tag").toString();
     }
-}
-
-TEST(CardViewer, OpeningModes) {
-    const QString marc = workedRecord();
+    EXPECT_EQ(captions, (QStringList{"&B 标准式=标准式", "&K 卡片式=卡片式", "&Z 字段式=字段式",
+                                     "&Q 返回=返回"}));
     // Only "标准" exactly opens with the record text.
-    EXPECT_EQ(text(open(marc, QStringLiteral("标准"))), marc);
-    vb::form<frmMarcKaPian>().Unload();
-    for (const QString& mode : {QString(), QStringLiteral("标准式"), QStringLiteral("卡片")}) {
-        EXPECT_EQ(text(open(marc, mode)), cardOf(marc)) << mode.toStdString();
+    for (const QString& mode :
+         {QString(), QStringLiteral("标准式"), QStringLiteral("卡片"), QStringLiteral("标准")}) {
         vb::form<frmMarcKaPian>().Unload();
+        EXPECT_EQ(text(open(marc, mode)), mode == QStringLiteral("标准") ? marc : cardOf(marc))
+            << mode.toStdString();
     }
     EXPECT_TRUE(testsupport::boxes().calls().empty());
 }
@@ -94,17 +91,14 @@ TEST(CardViewer, ButtonsInAnyOrderGiveTheSameThreeTexts) {
 }
 
 TEST(CardViewer, ReturnUnloadsAndTheRecordEndsWithTheForm) {
-    auto& f = open(workedRecord(), QStringLiteral("标准"));
-    press(f, Fanhui);
-    EXPECT_FALSE(f.isLoaded());
-    EXPECT_EQ(f.MarcShuju, QString());
-    EXPECT_EQ(f.varSelect, QString());
-    // The close box ends them the same way.
-    open(workedRecord(), QStringLiteral("标准"));
-    f.window()->close(); // the form unloads itself; Qt's close is refused
-    EXPECT_FALSE(f.isLoaded());
-    EXPECT_EQ(f.MarcShuju, QString());
-    EXPECT_EQ(f.varSelect, QString());
+    auto& f = vb::form<frmMarcKaPian>();
+    // The close box ends them the same way: the form unloads itself, Qt's close is refused.
+    for (bool viaButton : {true, false}) {
+        open(workedRecord(), QStringLiteral("标准"));
+        viaButton ? press(f, Fanhui) : void(f.window()->close());
+        EXPECT_FALSE(f.isLoaded());
+        EXPECT_EQ(f.MarcShuju + f.varSelect, QString());
+    }
     // The fields belong to the caller: it sets them again for the next record.
     f.MarcShuju = record({{"200", "␟a甲书␞"}});
     f.varSelect = QString();
@@ -112,34 +106,27 @@ TEST(CardViewer, ReturnUnloadsAndTheRecordEndsWithTheForm) {
     EXPECT_TRUE(text(f).contains(QStringLiteral("甲书")));
 }
 
-TEST(CardViewer, EnabledIsSetByTwoButtonsOnly) {
-    auto& f = open(workedRecord(), QString());
+TEST(CardViewer, CardMessagesComeAgainOnEachPressAndEnabledIsSetByTwoButtons) {
+    auto& f = open(record({{"200", "␟f某著␟a书␞"}}), QString());
+    EXPECT_EQ(testsupport::boxes().prompts(), QStringList{"本条记录缺少题名，无法正常显示！"});
     text1(f)->setEnabled(false);
     press(f, Ziduan);
     EXPECT_FALSE(text1(f)->isEnabled());
-    press(f, Biaozhun);
-    EXPECT_TRUE(text1(f)->isEnabled());
-    text1(f)->setEnabled(false);
     press(f, Kapian);
     EXPECT_TRUE(text1(f)->isEnabled());
-}
-
-TEST(CardViewer, CardMessagesComeAgainOnEachPress) {
-    auto& f = open(record({{"200", "␟f某著␟a书␞"}}), QString());
-    EXPECT_EQ(testsupport::boxes().prompts(), QStringList{"本条记录缺少题名，无法正常显示！"});
-    press(f, Ziduan);
-    press(f, Kapian);
     EXPECT_EQ(testsupport::boxes().prompts().size(), 2);
     // An OK box with the runtime's own title, not one of the program's.
     EXPECT_EQ(testsupport::boxes().last().flags, 0);
     EXPECT_EQ(testsupport::boxes().last().title, vb::appTitle());
     EXPECT_TRUE(text(f).contains(QStringLiteral("书")));
+    text1(f)->setEnabled(false);
+    press(f, Biaozhun);
+    EXPECT_TRUE(text1(f)->isEnabled());
 }
 
 TEST(CardViewer, RefusedDirectoryKeepsTheTextBefore) {
     // Opened as "标准", a defective record opens without complaint...
-    const QString bad = QStringLiteral("00100nam0 2200037   450 20000090000") + QChar(30) +
-                        QStringLiteral("  ") + QChar(31) + QStringLiteral("a甲") + QChar(30);
+    const QString bad = in(QStringLiteral("00100nam0 2200037   450 20000090000␞  ␟a甲␞"));
     auto& f = open(bad, QStringLiteral("标准"));
     EXPECT_TRUE(testsupport::boxes().calls().empty());
     // ...and each layout that reads it shows the box and leaves the text as it was.
@@ -180,22 +167,14 @@ TEST(CardViewer, RuntimeFailureOfAButtonEndsWithTheErrorBox) {
 
 TEST(CardViewer, EmptyRecordFailsWhenTheCardLoads) {
     auto& f = vb::form<frmMarcKaPian>();
+    // Setting the public fields does not load the form.
     f.MarcShuju = QString();
     f.varSelect = QString();
+    ASSERT_FALSE(f.isLoaded());
     try {
         f.Load();
         FAIL() << "no failure";
     } catch (const vb::VbError& e) {
         EXPECT_EQ(e.number(), vb::errTypeMismatch);
     }
-}
-
-TEST(CardViewer, PublicFormattersConsumeTheCallersField) {
-    auto& f = vb::form<frmMarcKaPian>();
-    QString field = in(QStringLiteral("␟a北京␟c出版社␞"));
-    EXPECT_EQ(vis(f.Kapian210(field)), QStringLiteral("·—北京：出版社␞"));
-    EXPECT_EQ(f.Kapian210(field), QStringLiteral("·—"));
-    // Setting the public fields or calling a formatter does not load the form.
-    f.MarcShuju = workedRecord();
-    EXPECT_FALSE(f.isLoaded());
 }
