@@ -33,7 +33,7 @@ QDateTime serverDate() {
     if (vb::Err().Number != 0)
         vb::MsgBox(QStringLiteral("获取服务器日期时出现错误！原因如下：") + QStringLiteral("\r\n") +
                        vb::Err().Description,
-                   vb::vbInformation, QStringLiteral("操作提示"));
+                   vb::vbInformation, vb::kMsgTitle);
     return result;
 }
 

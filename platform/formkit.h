@@ -4,6 +4,7 @@
 // one control array. Forms keep their own sizes; these only say them once.
 
 #include "platform/form.h"
+#include "platform/msgbox.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -15,9 +16,6 @@
 #include <vector>
 
 namespace vb {
-
-// The title of the forms' message boxes, where no other is named.
-inline const QString kMsgTitle = QStringLiteral("操作提示");
 
 // Geometry in twips, as the form was laid out.
 void place(QWidget* c, int left, int top, int width, int height);

@@ -11,6 +11,9 @@
 
 namespace vb {
 
+// The title of the forms' message boxes, where no other is named.
+inline const QString kMsgTitle = QStringLiteral("操作提示");
+
 // Button sets, icons and default of the legacy flags.
 enum MsgBoxFlags : int {
     vbOKOnly = 0,

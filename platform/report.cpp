@@ -38,8 +38,6 @@ DataReport::SaveFileChooser& saveChooser() {
     return c;
 }
 
-const QString kTitle = QStringLiteral("操作提示");
-
 } // namespace
 
 QString DataReport::fontFamily() {
@@ -352,7 +350,7 @@ void DataReport::saveAs(int kind) {
         else
             exportCsv(path);
     } catch (const VbError& e) {
-        MsgBox(e.description(), vbCritical, kTitle);
+        MsgBox(e.description(), vbCritical, kMsgTitle);
     }
 }
 
@@ -374,7 +372,7 @@ void DataReport::printPreview() {
     }
     if (!printTo(printer, printer.resolution()))
         MsgBox(QStringLiteral("打印机 %1 不能打印这份报表。").arg(printer.printerName()),
-               vbCritical, kTitle);
+               vbCritical, kMsgTitle);
 }
 
 } // namespace vb

@@ -24,8 +24,6 @@ const QString kNoRecordsMessage = QStringLiteral("没有符合条件的记录！
 
 namespace {
 
-const QString kTitle = QStringLiteral("操作提示");
-
 Trace& tracer() {
     static Trace t;
     return t;
@@ -186,7 +184,8 @@ struct Reading {
 };
 
 void readingStep(const Reading& r, const Present& present) {
-    vb::MsgBox(r.landscape ? kLandscapeMessage : kPortraitMessage, vb::vbInformation, kTitle);
+    vb::MsgBox(r.landscape ? kLandscapeMessage : kPortraitMessage, vb::vbInformation,
+               vb::kMsgTitle);
     adodb::Connection conn;
     auto rs = std::make_shared<adodb::Recordset>();
     vb::resume([&] { conn.Open(r.connStr); });
@@ -199,7 +198,7 @@ void readingStep(const Reading& r, const Present& present) {
     bool eof = true;
     vb::resume([&] { eof = rs->EOF_(); });
     if (eof) {
-        vb::MsgBox(kNoRecordsMessage, vb::vbInformation, kTitle);
+        vb::MsgBox(kNoRecordsMessage, vb::vbInformation, vb::kMsgTitle);
     } else {
         r.report.DataSource = rs;
         if (r.title) r.report.Title = *r.title;

@@ -53,9 +53,9 @@ keys "{none:$box}"
 shot road-1-saved
 
 # Step 2. 书目验收 (F4): the source typed, 确定 (Alt+A) lists its open orders.
-keys '{F4}' '{sleep:300}' '清华大学出版社'
+keys '{F4}' '{sleep:1500}' '清华大学出版社'
 shot road-2-source
-keys '{Alt+a}' '{sleep:300}' "{none:$box}"
+keys '{Alt+a}' '{sleep:1500}' "{none:$box}"
 # Our order is the later of the two: Down, Space chooses it with all copies; then over to
 # 验收册数 (four to the right), Enter edits the cell: 3 of the 5 came.
 keys '{Down}' '{space}' '{Right}' '{Right}' '{Right}' '{Right}' '{Return}' 3 '{Return}'
