@@ -1,0 +1,93 @@
+# Nearly every file includes the same Qt headers, and every test GoogleTest: parse them once
+# per build instead of once per file. Two precompiled headers, each built by a small object
+# library and reused by every target whose compile flags match it:
+#   orvane_pch_qt    the widget libraries, tools and benchmarks (Qt Widgets + PrintSupport)
+#   orvane_pch_test  the test programs and their support library (the same, with QtTest and gtest)
+# Targets without widgets (the schema, the ISBN check, the C extension) are left alone.
+
+set(ORVANE_PCH_QT_HEADERS
+    <QString> <QStringList> <QVariant> <QDateTime> <QHash> <QWidget> <QLineEdit> <QPushButton>
+    <QLabel> <QComboBox> <QApplication> <algorithm> <functional> <memory> <vector>)
+
+file(WRITE ${CMAKE_BINARY_DIR}/orvane_pch.cpp "// translation unit of the precompiled headers\n")
+add_library(orvane_pch_qt OBJECT ${CMAKE_BINARY_DIR}/orvane_pch.cpp)
+target_link_libraries(orvane_pch_qt PRIVATE Qt6::Widgets Qt6::PrintSupport)
+target_precompile_headers(orvane_pch_qt PRIVATE ${ORVANE_PCH_QT_HEADERS})
+
+if(ORVANE_TESTS)
+  find_package(GTest REQUIRED)
+  add_library(orvane_pch_test OBJECT ${CMAKE_BINARY_DIR}/orvane_pch.cpp)
+  # QtTest by its headers and macro alone: its link interface also defines the test's own
+  # directories, which differ from program to program and would make the header unusable.
+  target_link_libraries(orvane_pch_test PRIVATE Qt6::Widgets Qt6::PrintSupport GTest::gtest)
+  target_include_directories(orvane_pch_test
+                             PRIVATE $<TARGET_PROPERTY:Qt6::Test,INTERFACE_INCLUDE_DIRECTORIES>)
+  target_compile_definitions(orvane_pch_test PRIVATE QT_TESTLIB_LIB)
+  target_precompile_headers(orvane_pch_test PRIVATE ${ORVANE_PCH_QT_HEADERS} <gtest/gtest.h>)
+endif()
+
+# Whether a target reaches `what` through its link libraries, ours followed transitively.
+function(orvane_links target what out)
+  set(seen "")
+  set(todo ${target})
+  set(found FALSE)
+  while(todo)
+    list(POP_FRONT todo t)
+    if(t IN_LIST seen)
+      continue()
+    endif()
+    list(APPEND seen ${t})
+    if(t STREQUAL what)
+      set(found TRUE)
+      break()
+    endif()
+    if(NOT TARGET ${t} OR t MATCHES "^(Qt6|PkgConfig|GTest)::")
+      continue()
+    endif()
+    get_target_property(type ${t} TYPE)
+    set(props INTERFACE_LINK_LIBRARIES)
+    if(NOT type STREQUAL "INTERFACE_LIBRARY")
+      list(APPEND props LINK_LIBRARIES)
+    endif()
+    foreach(p ${props})
+      get_target_property(libs ${t} ${p})
+      if(libs)
+        foreach(l ${libs})
+          string(REGEX REPLACE "^\\$<LINK_ONLY:(.*)>$" "\\1" l "${l}")
+          list(APPEND todo ${l})
+        endforeach()
+      endif()
+    endforeach()
+  endwhile()
+  set(${out} ${found} PARENT_SCOPE)
+endfunction()
+
+function(orvane_pch_targets dir)
+  get_property(targets DIRECTORY ${dir} PROPERTY BUILDSYSTEM_TARGETS)
+  foreach(t ${targets})
+    get_target_property(type ${t} TYPE)
+    get_target_property(excluded ${t} EXCLUDE_FROM_ALL)
+    if(NOT type MATCHES "^(STATIC_LIBRARY|SHARED_LIBRARY|EXECUTABLE)$" OR excluded
+       OR t MATCHES "^orvane_pch_")
+      continue()
+    endif()
+    orvane_links(${t} Qt6::Widgets widgets)
+    if(NOT widgets)
+      continue()
+    endif()
+    orvane_links(${t} Qt6::Test qtest)
+    orvane_links(${t} GTest::gtest gtest)
+    orvane_links(${t} GTest::gtest_main gtest_main)
+    if(qtest AND (gtest OR gtest_main) AND TARGET orvane_pch_test)
+      target_precompile_headers(${t} REUSE_FROM orvane_pch_test)
+    elseif(NOT qtest)
+      target_precompile_headers(${t} REUSE_FROM orvane_pch_qt)
+    endif()
+  endforeach()
+  get_property(subdirs DIRECTORY ${dir} PROPERTY SUBDIRECTORIES)
+  foreach(s ${subdirs})
+    orvane_pch_targets(${s})
+  endforeach()
+endfunction()
+
+orvane_pch_targets(${CMAKE_SOURCE_DIR})
