@@ -1,23 +1,32 @@
-// The one-instance form model: load on first touch, unload keeping members, modal shows.
+// The one-instance form model: load on first touch, unload keeping members, modal shows,
+// keys; and the pieces forms are built from: a row of buttons is one control array with the
+// right index behind each click, placement converts twips, a field trimmed on leaving fires
+// Change only when its text really changes.
 #include "platform/errors.h"
 #include "platform/events.h"
 #include "platform/form.h"
+#include "platform/formkit.h"
 #include "platform/runtime.h"
 #include "platform/vb.h"
 #include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
 #include <QApplication>
-#include <QCheckBox>
 #include <QLineEdit>
 #include <QLockFile>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+
+#include <memory>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+const char16_t* const kCaptions[3] = {u"&A  增加", u"&D  删除", u"&X  关闭"};
 
 class SampleFrm : public vb::Form {
 public:
@@ -28,20 +37,20 @@ public:
     int unloads = 0;
     bool refuseUnload = false;
     QStringList keys;
+    std::vector<int> clicks;
 
 protected:
     void build(QWidget* w) override {
-        w->resize(vb::twips(4800), vb::twips(3600));
-        for (int i = 0; i < 2; ++i) {
-            auto* t = new QLineEdit(w);
-            t->setObjectName(vb::ctlName(u"Text1"_s, i));
-            t->setText(u"design %1"_s.arg(i));
-            t->move(10, 10 + 30 * i);
-        }
-        auto* c = new QPushButton(u"&A  确定"_s, w);
-        c->setObjectName(u"Command1_0"_s);
-        c->move(10, 80);
-        QObject::connect(c, &QPushButton::clicked, [this] { Unload(); });
+        w->resize(vb::twips(6000), vb::twips(4000));
+        for (int i = 0; i < 2; ++i)
+            vb::control<QLineEdit>(w, vb::ctlName(u"Text1"_s, i), 150, 150 + 450 * i, 1500, 300)
+                ->setText(u"design %1"_s.arg(i));
+        // The last button closes the form.
+        vb::buttonRow(w, u"Command1"_s, kCaptions, {240, 1680, 3000, 1215, 375}, this,
+                      [this](int i) {
+                          clicks.push_back(i);
+                          if (i == 2) Unload();
+                      });
         setKeyPreview(true);
     }
     void onLoad() override { ++loads; }
@@ -58,18 +67,12 @@ TEST(FormModel, MemberSurvivesUnloadControlsReturnToDesignQueryUnloadMayCancel) 
     f.doType = u"caigou"_s; // a plain member does not load the form
     EXPECT_FALSE(f.isLoaded() || f.loads);
     auto* t = f.ctl<QLineEdit>(u"Text1"_s, 1); // touching a control loads
-    EXPECT_TRUE(f.isLoaded() && f.loads == 1);
-    EXPECT_EQ(t->objectName(), u"Text1_1"_s);
-    EXPECT_EQ(f.window()->objectName(), u"SampleFrm"_s);
+    EXPECT_TRUE(f.isLoaded() && f.loads == 1 && t->objectName() == u"Text1_1"_s);
     t->setText(u"typed"_s);
-
     EXPECT_TRUE(f.Unload());
-    EXPECT_FALSE(f.isLoaded());
-    EXPECT_EQ(f.unloads, 1);
-    EXPECT_EQ(f.doType, u"caigou"_s); // members survive
+    EXPECT_TRUE(!f.isLoaded() && f.unloads == 1 && f.doType == u"caigou"_s);
     EXPECT_EQ(f.ctl<QLineEdit>(u"Text1_1"_s)->text(), u"design 1"_s);
     EXPECT_EQ(f.loads, 2);
-    EXPECT_EQ(&vb::form<SampleFrm>(), &f);
     EXPECT_EQ(vb::FormRegistry::byName(u"samplefrm"_s), &f);
     // QueryUnload may cancel; a missing control raises.
     f.refuseUnload = true;
@@ -81,7 +84,6 @@ TEST(FormModel, MemberSurvivesUnloadControlsReturnToDesignQueryUnloadMayCancel) 
     } catch (const vb::VbError& e) {
         EXPECT_EQ(e.number(), vb::errObjectRequired);
     }
-    EXPECT_EQ(f.findControl(u"Text9_0"_s), nullptr);
 }
 
 // A modal show returns when the form unloads (its button), hides (still loaded) or is
@@ -91,7 +93,7 @@ TEST(FormModel, ModalShowReturnsOnUnloadHideAndTheCloseBox) {
     bool clicked = false;
     QTimer::singleShot(0, [&] {
         EXPECT_TRUE(f.isModalShowing() && f.isVisible());
-        QTest::mouseClick(f.ctl<QPushButton>(u"Command1_0"_s), Qt::LeftButton);
+        QTest::mouseClick(f.ctl<QPushButton>(u"Command1_2"_s), Qt::LeftButton);
         clicked = true;
     });
     f.Show(1); // suspended here until the button unloads the form
@@ -106,7 +108,9 @@ TEST(FormModel, ModalShowReturnsOnUnloadHideAndTheCloseBox) {
     EXPECT_EQ(f.unloads, 2);
 }
 
-TEST(FormModel, KeyPreviewEnterAsTabAndFocusEventsWithoutActivation) {
+// The form sees keys first and may swallow them; a control's KeyDown swallows only what it
+// sets to zero; Enter sends Tab; LostFocus skips window activation.
+TEST(FormModel, KeyPreviewKeyDownEnterAsTabAndFocusEvents) {
     auto& f = vb::form<SampleFrm>();
     f.Show();
     auto* t = f.ctl<QLineEdit>(u"Text1_0"_s);
@@ -115,7 +119,18 @@ TEST(FormModel, KeyPreviewEnterAsTabAndFocusEventsWithoutActivation) {
     QTest::keyClick(t, Qt::Key_F2);
     EXPECT_EQ(f.keys, (QStringList{u"65"_s, u"113"_s}));
     EXPECT_EQ(t->text(), u"a"_s);
-    // Enter sends Tab; LostFocus skips window activation.
+    int calls = 0;
+    vb::onKeyDown(t, [&](int& code, int) {
+        ++calls;
+        if (code == 'X') code = 0;
+    });
+    QTest::keyClick(t, Qt::Key_X);
+    QTest::keyClick(t, Qt::Key_Y);
+    // Text with no legacy key code (as an input method sends it) passes untouched.
+    QKeyEvent ime(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, u"中"_s);
+    QApplication::sendEvent(t, &ime);
+    EXPECT_EQ(t->text(), u"ay中"_s);
+    EXPECT_EQ(calls, 2);
     f.window()->activateWindow();
     int lost = 0;
     vb::onLostFocus(t, [&] { ++lost; });
@@ -131,27 +146,8 @@ TEST(FormModel, KeyPreviewEnterAsTabAndFocusEventsWithoutActivation) {
     EXPECT_EQ(lost, 1);
 }
 
-TEST(FormModel, KeyDownHandlersSwallowOnlyWhatTheySetToZero) {
-    QLineEdit e;
-    int calls = 0;
-    vb::onKeyDown(&e, [&](int& code, int) {
-        ++calls;
-        if (code == 'X') code = 0;
-    });
-    QTest::keyClick(&e, Qt::Key_X, Qt::NoModifier);
-    EXPECT_EQ(e.text(), QString());
-    QTest::keyClick(&e, Qt::Key_Y);
-    EXPECT_EQ(e.text(), u"y"_s);
-    // Text with no legacy key code (as an input method sends it) passes untouched.
-    QKeyEvent ime(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, u"中"_s);
-    QApplication::sendEvent(&e, &ime);
-    EXPECT_EQ(e.text(), u"y中"_s);
-    EXPECT_EQ(calls, 2);
-}
-
 TEST(FormModel, AnEscapingErrorGetsTheRuntimeBoxAndEndsTheProcess) {
-    auto& f = vb::form<SampleFrm>();
-    auto* c = f.ctl<QPushButton>(u"Command1_0"_s);
+    auto* c = vb::form<SampleFrm>().ctl<QPushButton>(u"Command1_0"_s);
     QObject::disconnect(c, nullptr, nullptr, nullptr);
     QObject::connect(c, &QPushButton::clicked, [] { vb::CInt(40000.0); });
     QTest::mouseClick(c, Qt::LeftButton);
@@ -159,6 +155,60 @@ TEST(FormModel, AnEscapingErrorGetsTheRuntimeBoxAndEndsTheProcess) {
     ASSERT_FALSE(testsupport::boxes().calls().empty());
     EXPECT_EQ(std::pair(testsupport::boxes().last().prompt, testsupport::boxes().last().flags),
               std::pair(u"实时错误 '6':\r\n\r\n溢出"_s, int(vb::vbCritical)));
+}
+
+TEST(FormKit, ButtonRowIsOneControlArrayAndEachClickHandsItsOwnIndex) {
+    auto& f = vb::form<SampleFrm>();
+    // Clicked out of order, so a shared or shifted index cannot pass; the last one closes
+    // the form, and the next touch loads it again.
+    for (int i : {2, 0, 1, 2}) f.ctl<QPushButton>(u"Command1"_s, i)->click();
+    EXPECT_EQ(f.clicks, (std::vector<int>{2, 0, 1, 2}));
+    EXPECT_EQ(f.window()->findChild<QPushButton*>(u"Command1_3"_s), nullptr);
+    // 240 twips from the left, one every 1680, 15 twips to the pixel; following the bottom
+    // edge moves the row down and keeps every button's left.
+    const int left[3] = {16, 128, 240};
+    vb::moveRowTo(f, u"Command1"_s, 3, 3600);
+    for (int i = 0; i < 3; ++i) {
+        auto* b = f.ctl<QPushButton>(u"Command1"_s, i);
+        EXPECT_EQ(b->geometry(), QRect(left[i], 240, 81, 25)) << i;
+        EXPECT_EQ(b->text(), QString::fromUtf16(kCaptions[i])) << i;
+    }
+    vb::FormRegistry::destroyAll();
+}
+
+// A size of 14 twips is less than a pixel; 375 is 25 exactly, 345 is 23. A click no longer
+// reaches a form that is gone.
+TEST(FormKit, PlacementTruncatesTwipsAndClicksEndWithTheirForm) {
+    QWidget parent;
+    auto* box = vb::control<QLineEdit>(&parent, u"Text1"_s, 14, 375, 1215, 4440);
+    EXPECT_EQ(box->objectName(), u"Text1"_s);
+    EXPECT_EQ(box->geometry(), QRect(0, 25, 81, 296));
+    auto* label = vb::label(&parent, u"Label1_2"_s, u"批  号："_s, 360, 345, 1080, 255);
+    EXPECT_EQ(label->geometry(), QRect(24, 23, 72, 17));
+    int clicks = 0;
+    auto context = std::make_unique<QObject>();
+    auto* b = vb::commandButton(&parent, u"cmdLogin"_s, u"登 陆（&G）"_s, 2460, 3240, 1260, 420,
+                                context.get(), [&] { ++clicks; });
+    b->click();
+    context.reset();
+    b->click();
+    EXPECT_EQ(clicks, 1);
+}
+
+TEST(FormKit, TrimmingOnLeaveFiresChangeOnlyWhenBlanksGo) {
+    // Trim takes blanks only: a tab stays.
+    const std::tuple<QString, QString, int> cases[] = {{u"  新华书店 "_s, u"新华书店"_s, 1},
+                                                       {u"新华书店"_s, u"新华书店"_s, 0},
+                                                       {u"   "_s, QString(), 1},
+                                                       {QString(), QString(), 0},
+                                                       {u"\t新华 "_s, u"\t新华"_s, 1}};
+    for (const auto& [typed, left, changes] : cases) {
+        QLineEdit box(typed);
+        QSignalSpy changed(&box, &QLineEdit::textChanged);
+        EXPECT_EQ(vb::trimText(&box), left);
+        EXPECT_EQ(box.text(), left);
+        EXPECT_EQ(changed.count(), changes) << typed.toStdString();
+    }
 }
 
 TEST(SingleInstance, ALiveHolderIsAnotherInstance) {
