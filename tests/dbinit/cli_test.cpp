@@ -9,13 +9,7 @@
 #include <string_view>
 
 #ifndef _WIN32
-#include <fcntl.h>
-#include <signal.h>
 #include <sys/wait.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <thread>
 #endif
 
 using dbhelp::Db;
@@ -120,10 +114,8 @@ TEST(DbinitTool, WritesTheSqlServerScriptRowByRowWithTheRowsOfTheSqliteDemo) {
     EXPECT_EQ(inserts,
               orvane::dbinit::seedStatements(orvane::dbinit::Dialect::SqlServer, true).size());
     // A status column that was there already gets its default too.
-    EXPECT_TRUE(contains(plain.out,
-                         "parent_column_id = COLUMNPROPERTY(OBJECT_ID(N'dbo.cgk'), N'status', "
-                         "'ColumnId'))\nALTER TABLE [dbo].[cgk] ADD CONSTRAINT [DF_cgk_status] "
-                         "DEFAULT (0) FOR [status]\nGO\n"));
+    EXPECT_TRUE(contains(plain.out, "'ColumnId'))\nALTER TABLE [dbo].[cgk] ADD CONSTRAINT "
+                                    "[DF_cgk_status] DEFAULT (0) FOR [status]\nGO\n"));
     // The grant that the librarians need on an existing LibUse is at the top.
     EXPECT_LT(plain.out.find("--   UPDATE LibUse SET cgk=1 WHERE username=N'"),
               plain.out.find("CREATE TABLE"));
@@ -179,28 +171,19 @@ TEST(DbinitTool, RefusesWithoutWritingAndSaysWhenItsOutputIsLost) {
     EXPECT_EQ(tool("--help").code, 0);
 }
 
+// Interrupted once the temporary file is there, long before ten million rows; the shell
+// gives 128 and the signal's number for a run that a signal ended.
 TEST(DbinitTool, AnInterruptedRunLeavesNoTemporaryFile) {
-    for (int sig : {SIGINT, SIGTERM}) {
+    for (const auto& [sig, code] : {std::pair("INT", 130), std::pair("TERM", 143)}) {
         TempDir dir;
-        const std::string path = dir.file("big.db");
-        const pid_t pid = fork();
-        ASSERT_GE(pid, 0);
-        if (pid == 0) {
-            const int null = open("/dev/null", O_WRONLY);
-            dup2(null, 1);
-            dup2(null, 2);
-            execl(ORVANE_DBINIT_EXE, ORVANE_DBINIT_EXE, "--zsk-rows", "10000000", path.c_str(),
-                  static_cast<char*>(nullptr));
-            _exit(127);
-        }
-        // Interrupted once the temporary file is there, long before ten million rows.
-        for (int i = 0; i < 2000 && dir.entries().empty(); ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        EXPECT_FALSE(dir.entries().empty());
-        kill(pid, sig);
-        int status = 0;
-        ASSERT_EQ(waitpid(pid, &status, 0), pid);
-        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == sig) << status;
+        const std::string listed = "\"$(ls -A " + withPath("", dir.path.string()) + ")\"";
+        const std::string script =
+            withPath("", ORVANE_DBINIT_EXE) +
+            withPath(" --zsk-rows 10000000 ", dir.file("big.db")) +
+            " >/dev/null 2>&1 & p=$!; i=0; while [ -z " + listed +
+            " ] && [ $i -lt 2000 ]; do sleep 0.005; i=$((i+1)); done; [ -n " + listed +
+            " ] || exit 99; kill -" + sig + " $p; wait $p";
+        EXPECT_EQ(WEXITSTATUS(std::system(script.c_str())), code) << sig;
         EXPECT_EQ(dir.entries(), std::vector<std::string>{}) << sig;
     }
 }
