@@ -176,13 +176,15 @@ TEST(DbinitTool, RefusesWithoutWritingAndSaysWhenItsOutputIsLost) {
 TEST(DbinitTool, AnInterruptedRunLeavesNoTemporaryFile) {
     for (const auto& [sig, code] : {std::pair("INT", 130), std::pair("TERM", 143)}) {
         TempDir dir;
-        const std::string listed = "\"$(ls -A " + withPath("", dir.path.string()) + ")\"";
         const std::string script =
-            withPath("", ORVANE_DBINIT_EXE) +
-            withPath(" --zsk-rows 10000000 ", dir.file("big.db")) +
-            " >/dev/null 2>&1 & p=$!; i=0; while [ -z " + listed +
-            " ] && [ $i -lt 2000 ]; do sleep 0.005; i=$((i+1)); done; [ -n " + listed +
-            " ] || exit 99; kill -" + sig + " $p; wait $p";
+            std::string("sh -c '\"$1\" --zsk-rows 10000000 \"$2/big.db\" >/dev/null 2>&1 & "
+                        "p=$!; i=0; while [ -z \"$(ls -A \"$2\")\" ] && [ $i -lt 2000 ]; do "
+                        "sleep 0.005; i=$((i+1)); done; [ -n \"$(ls -A \"$2\")\" ] || exit 99; "
+                        "kill -s $3 $p; wait $p' sh ")
+                .append(withPath("", ORVANE_DBINIT_EXE))
+                .append(withPath(" ", dir.path.string()))
+                .append(1, ' ')
+                .append(sig);
         EXPECT_EQ(WEXITSTATUS(std::system(script.c_str())), code) << sig;
         EXPECT_EQ(dir.entries(), std::vector<std::string>{}) << sig;
     }

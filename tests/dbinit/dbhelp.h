@@ -30,7 +30,6 @@ public:
     ~Db() { sqlite3_close(db_); }
     Db(const Db&) = delete;
     Db& operator=(const Db&) = delete;
-    sqlite3* raw() const { return db_; }
 
     void exec(const std::string& sql) const {
         EXPECT_EQ(sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
