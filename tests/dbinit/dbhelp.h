@@ -8,7 +8,10 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <string>
@@ -19,7 +22,7 @@ namespace dbhelp {
 class Db {
 public:
     explicit Db(const std::string& path) {
-        if (sqlite3_open_v2(path.c_str(), &db_, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK)
+        if (sqlite3_open(path.c_str(), &db_) != SQLITE_OK)
             ADD_FAILURE() << "cannot open " << path << ": " << sqlite3_errmsg(db_);
         else
             orvane_compat_register(db_);
@@ -28,33 +31,26 @@ public:
     Db(const Db&) = delete;
     Db& operator=(const Db&) = delete;
 
-    // Whether the statement compiles (tables and columns exist), or why not.
-    std::string whyNot(const std::string& sql) const {
-        sqlite3_stmt* st = nullptr;
-        const bool ok = sqlite3_prepare_v2(db_, sql.c_str(), -1, &st, nullptr) == SQLITE_OK;
-        sqlite3_finalize(st);
-        return ok ? std::string() : sqlite3_errmsg(db_);
-    }
-    bool runs(const std::string& sql) const {
-        return sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
-    }
     void exec(const std::string& sql) const {
-        EXPECT_TRUE(runs(sql)) << sqlite3_errmsg(db_) << " in " << sql;
+        EXPECT_EQ(sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+            << sqlite3_errmsg(db_) << " in " << sql;
     }
 
-    // Every row, each column as text ("<null>" for NULL).
+    // Every row, each column as text ("<null>" for NULL); a failing statement gives one row
+    // of "error: " and the message.
     std::vector<std::vector<std::string>> rows(const std::string& sql) const {
         std::vector<std::vector<std::string>> out;
         sqlite3_stmt* st = nullptr;
-        if (sqlite3_prepare_v2(db_, sql.c_str(), -1, &st, nullptr) != SQLITE_OK)
-            ADD_FAILURE() << sqlite3_errmsg(db_) << " in " << sql;
-        while (st && sqlite3_step(st) == SQLITE_ROW) {
+        int rc = sqlite3_prepare_v2(db_, sql.c_str(), -1, &st, nullptr);
+        while (rc == SQLITE_OK && (rc = sqlite3_step(st)) == SQLITE_ROW) {
             auto& row = out.emplace_back();
             for (int i = 0; i < sqlite3_column_count(st); ++i) {
                 const unsigned char* t = sqlite3_column_text(st, i);
                 row.emplace_back(t ? reinterpret_cast<const char*>(t) : "<null>");
             }
+            rc = SQLITE_OK;
         }
+        if (rc != SQLITE_DONE) out = {{"error: " + std::string(sqlite3_errmsg(db_))}};
         sqlite3_finalize(st);
         return out;
     }
@@ -67,11 +63,15 @@ public:
         }
         return out;
     }
-    long long number(const std::string& sql) const { return std::stoll(text(sql)); }
 
 private:
     sqlite3* db_ = nullptr;
 };
+
+inline std::string slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
 
 // A fresh folder under the system temp folder, removed at the end.
 struct TempDir {
@@ -87,16 +87,15 @@ struct TempDir {
         std::vector<std::string> out;
         for (auto& e : std::filesystem::directory_iterator(path))
             out.push_back(e.path().filename().string());
+        std::sort(out.begin(), out.end());
         return out;
     }
     const std::filesystem::path path =
         std::filesystem::temp_directory_path() /
-        ("orvane-dbinit-test-" + std::to_string(std::random_device{}()) +
-         std::to_string(std::random_device{}()));
+        ("orvane-dbinit-test-" + std::to_string(std::random_device{}()));
 };
 
-// One database made by the tool for the whole suite (demo rows or not); each test opens
-// it afresh.
+// One database made by the tool for the whole suite (demo rows or not).
 template <bool Demo> class MadeDb : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
@@ -106,10 +105,8 @@ protected:
     }
     static void TearDownTestSuite() { dir_.reset(); }
     static std::string path() { return dir_->file("made.db"); }
-    void SetUp() override { db = std::make_unique<Db>(path()); }
-
     static inline std::unique_ptr<TempDir> dir_;
-    std::unique_ptr<Db> db;
+    const std::unique_ptr<Db> db = std::make_unique<Db>(path());
 };
 
 } // namespace dbhelp

@@ -1,5 +1,8 @@
-// The legacy runtime's loose tests and conversions, one row per corner case.
+// The legacy runtime's loose tests and conversions, GBK both ways, and SQL Server text
+// adapted for SQLite: one row per corner case.
 #include "platform/errors.h"
+#include "platform/gbk.h"
+#include "platform/sqldialect.h"
 #include "platform/vb.h"
 #include "tests/support/printto.h"
 
@@ -36,15 +39,25 @@ TEST(Runtime, IsNumericAndVal) {
     }
 }
 
-TEST(Runtime, CStrOfDoublesIsTheShortestText) {
-    const std::pair<double, const char*> cases[] = {
+// CStr gives the shortest text; CInt rounds half to even and overflows past 32767.
+TEST(Runtime, NumbersToTextAndToIntegers) {
+    const std::pair<double, const char*> texts[] = {
         {7.0, "7"},        {12.5, "12.5"},     {1e15, "1E+15"},
         {1e-5, "1E-05"},   {0.0001, "0.0001"}, {123456789012345.0, "123456789012345"},
         {0.1 + 0.2, "0.3"}};
-    for (auto [d, text] : cases) EXPECT_EQ(CStr(d), QString::fromLatin1(text)) << text;
+    for (auto [d, text] : texts) EXPECT_EQ(CStr(d), QString::fromLatin1(text)) << text;
+    const std::pair<double, int> rounded[] = {
+        {2.5, 2}, {3.5, 4}, {-2.5, -2}, {32767.0, 32767}, {-32768.0, -32768}};
+    for (auto [d, i] : rounded) EXPECT_EQ(CInt(d), i) << d;
+    EXPECT_EQ(CInt(u"1,200"_s) + CInt(u" 7 "_s), 1207);
+    EXPECT_EQ(CLng(u"40000"_s), 40000);
+    EXPECT_EQ(errorOf([] { CInt(32768.0); }), errOverflow);
+    EXPECT_EQ(errorOf([] { CInt(32767.5); }), errOverflow); // rounds to 32768
+    EXPECT_EQ(errorOf([] { CInt(u"32768"_s); }), errOverflow);
+    EXPECT_EQ(errorOf([] { CInt(u"abc"_s); }), errTypeMismatch);
 }
 
-TEST(Runtime, IsDateTakesTheLegacyShapesOnly) {
+TEST(Runtime, DatesTakeTheLegacyShapesOnlyAndFormatAsTheFormsAsk) {
     for (const char* text :
          {"2003/1/1", "2003-01-31", "1/2/2003", "2003-1-31 10:00", "2003年1月1日", "25/12/2003"})
         EXPECT_TRUE(IsDate(QString::fromUtf8(text))) << text;
@@ -53,32 +66,19 @@ TEST(Runtime, IsDateTakesTheLegacyShapesOnly) {
         EXPECT_FALSE(IsDate(QString::fromUtf8(text))) << text;
     EXPECT_EQ(CDate(u"1/2/2003"_s)->date(), QDate(2003, 1, 2)); // month first
     EXPECT_EQ(CDate(u"2004-2-29"_s)->date(), QDate(2004, 2, 29));
-}
-
-TEST(Runtime, FormatPatternsOfTheForms) {
     const QDateTime d(QDate(2003, 1, 5), QTime(9, 7, 3));
-    EXPECT_EQ(Format(d, u"yyyy-mm-dd"_s), u"2003-01-05"_s);
-    EXPECT_EQ(Format(d, u"YYYY-MM-DD"_s), u"2003-01-05"_s);
-    EXPECT_EQ(Format(d, u"yyyy年mm月dd日hh时"_s), u"2003年01月05日09时"_s);
-    EXPECT_EQ(Format(d, u"hh:mm:ss"_s), u"09:07:03"_s); // mm after hh is minutes
-    EXPECT_EQ(Format(12.5, u"0.00"_s), u"12.50"_s);
-    EXPECT_EQ(Format(QVariant(u"2003/1/5"_s), u"yyyy-mm-dd"_s), u"2003-01-05"_s);
-    EXPECT_EQ(Format(QVariant(u"abc"_s), u"yyyy-mm-dd"_s), u"abc"_s);
-    EXPECT_EQ(Format(QVariant(u"3"_s), u"0.00"_s), u"3.00"_s);
-    EXPECT_EQ(Format(QVariant(), u"0.00"_s), QString());
-}
-
-TEST(Runtime, CIntRoundsHalfToEvenAndOverflowsPast32767) {
-    const std::pair<double, int> rounded[] = {
-        {2.5, 2}, {3.5, 4}, {-2.5, -2}, {32767.0, 32767}, {-32768.0, -32768}};
-    for (auto [d, i] : rounded) EXPECT_EQ(CInt(d), i) << d;
-    EXPECT_EQ(CInt(u"1,200"_s), 1200);
-    EXPECT_EQ(CInt(u" 7 "_s), 7);
-    EXPECT_EQ(CLng(u"40000"_s), 40000);
-    EXPECT_EQ(errorOf([] { CInt(32768.0); }), errOverflow);
-    EXPECT_EQ(errorOf([] { CInt(32767.5); }), errOverflow); // rounds to 32768
-    EXPECT_EQ(errorOf([] { CInt(u"32768"_s); }), errOverflow);
-    EXPECT_EQ(errorOf([] { CInt(u"abc"_s); }), errTypeMismatch);
+    const std::tuple<QVariant, const char16_t*, QString> formats[] = {
+        {d, u"yyyy-mm-dd", u"2003-01-05"_s},
+        {d, u"YYYY-MM-DD", u"2003-01-05"_s},
+        {d, u"yyyy年mm月dd日hh时", u"2003年01月05日09时"_s},
+        {d, u"hh:mm:ss", u"09:07:03"_s}, // mm after hh is minutes
+        {12.5, u"0.00", u"12.50"_s},
+        {u"2003/1/5"_s, u"yyyy-mm-dd", u"2003-01-05"_s},
+        {u"abc"_s, u"yyyy-mm-dd", u"abc"_s},
+        {u"3"_s, u"0.00", u"3.00"_s},
+        {QVariant(), u"0.00", QString()}};
+    for (const auto& [value, pattern, text] : formats)
+        EXPECT_EQ(Format(value, QString::fromUtf16(pattern)), text) << text.toStdString();
 }
 
 TEST(Runtime, StringFunctionsCountFromOne) {
@@ -88,10 +88,9 @@ TEST(Runtime, StringFunctionsCountFromOne) {
     EXPECT_EQ(InStr(3, u"7-5000-1"_s, u"-"_s), 7);
     EXPECT_EQ(InStr(u"abc"_s, QString()), 1);
     EXPECT_EQ(InStr(u"Abc"_s, u"a"_s), 0); // exact compare
-    EXPECT_EQ(Mid(u"abcdef"_s, 2, 3), u"bcd"_s);
-    EXPECT_EQ(Mid(u"abc"_s, 5), QString());
+    EXPECT_EQ(Mid(u"abcdef"_s, 2, 3) + Mid(u"abc"_s, 5), u"bcd"_s);
     EXPECT_THROW(Mid(u"abc"_s, 0), VbError);
-    EXPECT_EQ(Right(u"XServer=abc"_s, 11 - 7), u"=abc"_s);
+    EXPECT_EQ(Right(u"XServer=abc"_s, 4), u"=abc"_s);
     EXPECT_EQ(Split(QString(), u";"_s).size(), 1);
     EXPECT_EQ(Split(u"a;b;"_s, u";"_s), (QStringList{u"a"_s, u"b"_s, QString()}));
     EXPECT_EQ(Replace(u"O'Neil's"_s, u"'"_s, u"''"_s), u"O''Neil''s"_s);
@@ -108,7 +107,51 @@ TEST(Runtime, ResumeNextRecordsTheErrorAndGoesOn) {
     EXPECT_EQ(reached, 2);
     // The end of the process is not an error to resume from.
     EXPECT_THROW(resume([] { throw ProcessEnded(); }), ProcessEnded);
-    EXPECT_EQ(fatalBoxText(VbError(6, u"溢出"_s)), u"实时错误 '6':\r\n\r\n溢出"_s);
+}
+
+// What a byte cut inside a character gives.
+TEST(Gbk, RoundTripByteCountsAndCutsInsideACharacter) {
+    const QString s = u"中图法 ABC 《红楼梦》①Ⅳ"_s;
+    EXPECT_EQ(gbk::decode(gbk::encode(s)), s);
+    EXPECT_EQ(gbk::encode(u"a中"_s), QByteArray("a\xD6\xD0"));
+    // What GBK cannot hold is one '?', one byte.
+    EXPECT_EQ(gbk::encode(u"a😀b"_s), QByteArray("a?b"));
+    EXPECT_EQ(gbk::byteLength(u"a😀b"_s) + gbk::byteLength(u"a中"_s), 6);
+    const QByteArray b = gbk::encode(u"中文"_s);
+    // The last lead byte without its trail becomes one '?'.
+    EXPECT_EQ(gbk::decode(b.left(3)), u"中?"_s);
+    // A lead followed by a control character: '?' then the control character.
+    EXPECT_EQ(gbk::decode(QByteArray("\xD6\x1E"
+                                     "a")),
+              u"?\x1E"
+              "a"_s);
+    EXPECT_EQ(gbk::decode(QByteArray("\xFF")), u"?"_s);
+}
+
+// Only + between text, left( and top n change.
+TEST(SqlDialect, Rewrites) {
+    const std::pair<const char16_t*, const char16_t*> cases[] = {
+        {u"Select '第 '+batch+' 批采购验收传票',bookfrom From cgk",
+         u"Select '第 '||batch||' 批采购验收传票',bookfrom From cgk"},
+        // Numbers keep their +, also beside a text chain; a comparison ends a chain.
+        {u"Select price+1,'a'+b From t Where x=y+2", u"Select price+1,'a'||b From t Where x=y+2"},
+        {u"Select a From t Where name='x' And n=m+1", u"Select a From t Where name='x' And n=m+1"},
+        {u"Select f('a'+b, c+1) From t", u"Select f('a'||b, c+1) From t"},
+        // Quoted text and bracketed names pass untouched, an unclosed literal too.
+        {u"Select [a+b],'x+y' From t Where s='left(1)'",
+         u"Select [a+b],'x+y' From t Where s='left(1)'"},
+        {u"Insert Into t Values ('O''Neil+','+')", u"Insert Into t Values ('O''Neil+','+')"},
+        {u"Select 'abc+d", u"Select 'abc+d"},
+        // left( the function, not Left Join.
+        {u"From cgk Left Join s On f=status And LEFT (x,1)='A'",
+         u"From cgk Left Join s On f=status And vb_left (x,1)='A'"},
+        {u"Select top 1 cgkid From cgk Order by cgkid",
+         u"Select cgkid From cgk Order by cgkid LIMIT 1"},
+        {u"select distinct top 5 code from Global", u"select distinct code from Global LIMIT 5"},
+        {u"Select topic From t", u"Select topic From t"},
+    };
+    for (auto [sqlServer, sqlite] : cases)
+        EXPECT_EQ(sqldialect::toSQLite(QString::fromUtf16(sqlServer)), QString::fromUtf16(sqlite));
 }
 
 } // namespace
