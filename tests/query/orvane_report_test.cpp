@@ -11,11 +11,6 @@
 
 namespace {
 
-struct Result {
-    int code = -1;
-    QString err;
-};
-
 class OrvaneReport : public testsupport::DbTest {
 protected:
     void SetUp() override {
@@ -28,95 +23,84 @@ protected:
                            "(1,'新华书店','红楼梦','中文',10,3,1,'B1',9,2,18,'2003-05-06'),"
                            "(2,'外文书店','Hamlet','英文',30,2,0,NULL,NULL,NULL,NULL,NULL)"));
     }
-    Result run(const QStringList& args) {
+    // Runs the tool with "@db" standing for the database and "@x" for a file in the
+    // temporary folder; gives the exit code and stderr.
+    std::pair<int, QString> run(const QStringList& args) {
+        QStringList real;
+        for (const QString& a : args)
+            real << (a == u"@db" ? dbPath() : a.startsWith(u'@') ? out(a.mid(1)) : a);
         QProcess p;
-        p.setProgram(QStringLiteral(ORVANE_REPORT_EXE));
-        p.setArguments(args);
-        p.start();
+        p.start(QStringLiteral(ORVANE_REPORT_EXE), real);
         EXPECT_TRUE(p.waitForFinished(60000));
         return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
                 QString::fromUtf8(p.readAllStandardError())};
     }
-    QString out(const char* name) { return tempPath() + u'/' + QString::fromLatin1(name); }
-    QStringList db() { return {QStringLiteral("--db"), dbPath()}; }
+    QString out(const QString& name) { return tempPath() + u'/' + name; }
 };
 
-TEST_F(OrvaneReport, WritesCsvAndLeavesThePrintTableFilled) {
-    const Result r = run(db() + QStringList{"--where", " Where lagclass='中文'", "--out",
-                                            out("t.csv"), "tbookfrom"});
-    EXPECT_EQ(r.code, 0) << r.err.toStdString();
-    EXPECT_TRUE(r.err.contains(QStringLiteral("请将打印机设置为A4横向打印！")));
-    EXPECT_TRUE(QFileInfo(out("t.csv")).size() > 0);
-    EXPECT_EQ(
-        testsupport::querySqlite(dbPath(), QStringLiteral("select count(*) from printTotalJE")),
-        QStringLiteral("2"));
-    EXPECT_EQ(
-        testsupport::querySqlite(
-            dbPath(), QStringLiteral("select ysjine from printTotalJE where name='新华书店'")),
-        QStringLiteral("18.0"));
-}
-
-TEST_F(OrvaneReport, WritesPdfAndXlsx) {
+TEST_F(OrvaneReport, WritesEachKindOfFileAndLeavesThePrintTableFilled) {
     const std::tuple<const char*, const char*, QByteArray> cases[] = {
-        {"m.pdf", "totalmx", "%PDF-"}, {"c.xlsx", "totaltotal", "PK"}}; // xlsx: a zip
+        {"m.pdf", "totalmx", "%PDF-"},
+        {"c.xlsx", "totaltotal", "PK"}, // xlsx: a zip
+        {"t.csv", "tbookfrom", "\xEF\xBB\xBF"}};
     for (const auto& [file, statistic, magic] : cases) {
-        const Result r = run(db() + QStringList{"--out", out(file), statistic});
-        EXPECT_EQ(r.code, 0) << r.err.toStdString();
-        QFile f(out(file));
-        ASSERT_TRUE(f.open(QIODevice::ReadOnly)) << file;
+        SCOPED_TRACE(file);
+        const auto [code, err] = run({"--db", "@db", "--where", " Where lagclass='中文'", "--out",
+                                      u'@' + QString::fromLatin1(file), statistic});
+        EXPECT_EQ(code, 0) << err.toStdString();
+        EXPECT_TRUE(err.contains(QStringLiteral("请将打印机设置为A4"))) << err.toStdString();
+        QFile f(out(QString::fromLatin1(file)));
+        ASSERT_TRUE(f.open(QIODevice::ReadOnly));
         EXPECT_EQ(f.read(magic.size()), magic);
     }
+    EXPECT_EQ(testsupport::querySqlite(dbPath(), QStringLiteral("select count(*)||'/'||sum(ysjine) "
+                                                                "from printTotalJE")),
+              QStringLiteral("2/36.0")); // 新华书店 and the total row
 }
 
-TEST_F(OrvaneReport, BadUsageExitsWithTwoAndWritesNothing) {
-    const QStringList cases[] = {
-        {},                                                          // nothing
-        {"--out", out("x.csv")},                                     // no statistic
-        {"--out", out("x.csv"), "tnothing"},                         // unknown statistic
-        {"tjine"},                                                   // no --out
-        {"--out", out("x.txt"), "tjine"},                            // unknown file kind
-        {"--where", "bookfrom='a'", "--out", out("x.csv"), "tjine"}, // clause without Where
-        {"--order", "price", "--out", out("x.csv"), "print"},        // clause without Order By
-        {"--db", "a.db", "--dsn", "b", "--out", out("x.csv"), "tjine"},
-        {"--bogus", "--out", out("x.csv"), "tjine"},
+TEST_F(OrvaneReport, ExitCodesAndMessages) {
+    const struct {
+        QStringList args;
+        int code;
+        const char16_t* says = u"usage: orvane-report"; // what stderr holds
+    } cases[] = {
+        {{}, 2},
+        {{"--out", "@x.csv"}, 2}, // no statistic
+        {{"--out", "@x.csv", "tnothing"}, 2},
+        {{"tjine"}, 2}, // no --out
+        {{"--out", "@x.txt", "tjine"}, 2},
+        {{"--where", "bookfrom='a'", "--out", "@x.csv", "tjine"}, 2},
+        {{"--order", "price", "--out", "@x.csv", "print"}, 2},
+        {{"--db", "a.db", "--dsn", "b", "--out", "@x.csv", "tjine"}, 2},
+        {{"--bogus", "--out", "@x.csv", "tjine"}, 2},
+        {{"--db", "@db", "--where", " Where nosuchcolumn=1", "--out", "@x.csv", "print"},
+         1,
+         u"nosuchcolumn"},
+        {{"--db", "@missing.db", "--out", "@x.csv", "print"}, 1, u""},
+        // Nothing accepted matches: said, and no file.
+        {{"--db", "@db", "--where", " Where bookfrom='外文书店'", "--out", "@x.csv", "totaltotal"},
+         0,
+         u"没有符合条件的记录！"},
     };
-    for (const QStringList& args : cases) {
-        SCOPED_TRACE(args.join(u' ').toStdString());
-        const Result r = run(args);
-        EXPECT_EQ(r.code, 2);
-        EXPECT_TRUE(r.err.contains(QStringLiteral("usage: orvane-report")));
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.args.join(u' ').toStdString());
+        const auto [code, err] = run(c.args);
+        EXPECT_EQ(code, c.code);
+        EXPECT_TRUE(err.contains(QString::fromUtf16(c.says))) << err.toStdString();
     }
-    EXPECT_FALSE(QFileInfo::exists(out("x.csv")));
-    EXPECT_FALSE(QFileInfo::exists(out("x.txt")));
-}
+    EXPECT_FALSE(QFileInfo::exists(out(QStringLiteral("x.csv"))));
+    EXPECT_FALSE(QFileInfo::exists(out(QStringLiteral("x.txt"))));
+    EXPECT_FALSE(QFileInfo::exists(out(QStringLiteral("missing.db"))));
 
-TEST_F(OrvaneReport, AFailingStatementGivesTheDatabasesMessageAndOne) {
-    // A source with a quote is put into the statement as it is.
+    // A source with a quote is put into the statement as it is: the run stops before the
+    // paper message.
     testsupport::execSqlite(dbPath(), QStringLiteral("Insert Into cgk (cgkid,bookfrom,bookname,"
                                                      "status) Values (3,'O''Reilly','Perl',0)"));
-    Result r = run(db() + QStringList{"--out", out("q.csv"), "tjine"});
-    EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(r.err.contains(QStringLiteral("syntax error"))) << r.err.toStdString();
-    EXPECT_FALSE(r.err.contains(QStringLiteral("请将打印机"))); // stopped before the paper
-    EXPECT_FALSE(QFileInfo::exists(out("q.csv")));
-
-    // A clause the database refuses.
-    r = run(db() + QStringList{"--where", " Where nosuchcolumn=1", "--out", out("q.csv"), "print"});
-    EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(r.err.contains(QStringLiteral("nosuchcolumn"))) << r.err.toStdString();
-
-    // A database file that is not there.
-    r = run({"--db", out("missing.db"), "--out", out("q.csv"), "print"});
-    EXPECT_EQ(r.code, 1);
-    EXPECT_FALSE(QFileInfo::exists(out("missing.db")));
-}
-
-TEST_F(OrvaneReport, NothingFoundIsSaidAndNoFileIsWritten) {
-    const Result r = run(db() + QStringList{"--where", " Where bookfrom='外文书店'", "--out",
-                                            out("e.csv"), "totaltotal"});
-    EXPECT_EQ(r.code, 0) << r.err.toStdString();
-    EXPECT_TRUE(r.err.contains(QStringLiteral("没有符合条件的记录！")));
-    EXPECT_FALSE(QFileInfo::exists(out("e.csv")));
+    const auto [code, err] = run({"--db", "@db", "--out", "@x.csv", "tjine"});
+    EXPECT_EQ(code, 1);
+    EXPECT_TRUE(err.contains(QStringLiteral("syntax error"))) << err.toStdString();
+    EXPECT_FALSE(err.contains(QStringLiteral("请将打印机")));
+    EXPECT_FALSE(QFileInfo::exists(out(QStringLiteral("x.csv"))));
 }
 
 } // namespace
