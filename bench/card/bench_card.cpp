@@ -45,19 +45,9 @@ void layout(benchmark::State& state, card::Layout l) {
     state.SetItemsProcessed(state.iterations());
 }
 
-void BM_Card(benchmark::State& s) {
-    layout(s, card::Layout::Card);
-}
-void BM_Fields(benchmark::State& s) {
-    layout(s, card::Layout::Fields);
-}
-void BM_Raw(benchmark::State& s) {
-    layout(s, card::Layout::Raw);
-}
-
-BENCHMARK(BM_Card);
-BENCHMARK(BM_Fields);
-BENCHMARK(BM_Raw);
+BENCHMARK_CAPTURE(layout, Card, card::Layout::Card);
+BENCHMARK_CAPTURE(layout, Fields, card::Layout::Fields);
+BENCHMARK_CAPTURE(layout, Raw, card::Layout::Raw);
 
 } // namespace
 
