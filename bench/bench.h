@@ -10,14 +10,12 @@
 
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QVariant>
 
 #include <sqlite3.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <memory>
 #include <vector>
 
@@ -63,37 +61,18 @@ inline QString first(const QString& sql) {
     return rs.EOF_() ? QString() : rs.text(0);
 }
 
-// Runs `script`, then `insert` for i = 1..n with the values row(i) gives (a null QVariant
-// is NULL), in one transaction straight through sqlite3 with the compat functions.
-inline void insertRows(const QString& path, const QString& script, const char* insert = nullptr,
-                       int n = 0, const std::function<std::vector<QVariant>(int)>& row = {}) {
+// Runs a script in one transaction straight through sqlite3 with the compat functions
+// (no ODBC in between: this only makes the data); exits on failure.
+inline void exec(const QString& path, const QString& script) {
     sqlite3* db = nullptr;
     sqlite3_open(path.toUtf8().constData(), &db);
     orvane_compat_register(db);
-    sqlite3_exec(db, "BEGIN", nullptr, nullptr, nullptr);
-    sqlite3_exec(db, script.toUtf8().constData(), nullptr, nullptr, nullptr);
-    sqlite3_stmt* st = nullptr;
-    sqlite3_prepare_v2(db, insert, -1, &st, nullptr);
-    for (int i = 1; i <= n; ++i) {
-        const std::vector<QVariant> values = row(i);
-        for (int k = 1; k <= static_cast<int>(values.size()); ++k) {
-            const QVariant& v = values[static_cast<size_t>(k - 1)];
-            if (v.isNull()) {
-                sqlite3_bind_null(st, k);
-            } else if (v.typeId() == QMetaType::Double) {
-                sqlite3_bind_double(st, k, v.toDouble());
-            } else if (v.typeId() == QMetaType::Int) {
-                sqlite3_bind_int(st, k, v.toInt());
-            } else {
-                const QByteArray text = v.toString().toUtf8();
-                sqlite3_bind_text(st, k, text.constData(), -1, SQLITE_TRANSIENT);
-            }
-        }
-        sqlite3_step(st);
-        sqlite3_reset(st);
+    char* error = nullptr;
+    const QByteArray sql = (QStringLiteral("BEGIN;") + script + QStringLiteral(";COMMIT")).toUtf8();
+    if (sqlite3_exec(db, sql.constData(), nullptr, nullptr, &error) != SQLITE_OK) {
+        std::fprintf(stderr, "data: %s\n", error);
+        std::exit(1);
     }
-    sqlite3_finalize(st);
-    sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr);
     sqlite3_close(db);
 }
 

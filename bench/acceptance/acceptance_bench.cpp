@@ -23,18 +23,18 @@ int main(int argc, char** argv) {
     const QString db = dir.path() + QStringLiteral("/bench.db");
     auto boxes = bench::useDatabase(db);
     // For each i an open order of the source, and a short accepted one of batch B-1.
-    bench::insertRows(
-        db, QStringLiteral(
-                "WITH RECURSIVE k(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM k WHERE i<%1) "
-                "INSERT INTO cgk (cgkid,bookfrom,bookname,isbn,edition,price,bookcount,yddate,"
-                "status) SELECT i,'新华书店','书名'||i,'7-02-000'||i||'-1','第1版',25.5,3,"
-                "'2004-03-01',0 FROM k;"
-                "WITH RECURSIVE k(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM k WHERE i<%1) "
-                "INSERT INTO cgk (cgkid,bookfrom,bookname,isbn,price,bookcount,yddate,status,"
-                "batch,yscount,ysprice) SELECT %1+i,'人民文学出版社','欠书'||i,'7-02-001'||i||"
-                "'-1',20,5,'2004-03-01',1,'B-1',2,20 FROM k;"
-                "Update global Set code='10000' Where type='cgkid'")
-                .arg(n));
+    bench::exec(db,
+                QStringLiteral(
+                    "WITH RECURSIVE k(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM k WHERE i<%1) "
+                    "INSERT INTO cgk (cgkid,bookfrom,bookname,isbn,edition,price,bookcount,yddate,"
+                    "status) SELECT i,'新华书店','书名'||i,'7-02-000'||i||'-1','第1版',25.5,3,"
+                    "'2004-03-01',0 FROM k;"
+                    "WITH RECURSIVE k(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM k WHERE i<%1) "
+                    "INSERT INTO cgk (cgkid,bookfrom,bookname,isbn,price,bookcount,yddate,status,"
+                    "batch,yscount,ysprice) SELECT %1+i,'人民文学出版社','欠书'||i,'7-02-001'||i||"
+                    "'-1',20,5,'2004-03-01',1,'B-1',2,20 FROM k;"
+                    "Update global Set code='10000' Where type='cgkid'")
+                    .arg(n));
 
     QElapsedTimer t;
     // Acceptance: search, choose all, voucher.

@@ -58,15 +58,15 @@ int main(int argc, char** argv) {
     const int runs = argc > 2 ? std::atoi(argv[2]) : 7;
     QTemporaryDir dir;
     const QString path = dir.path() + QStringLiteral("/bench.db");
-    bench::insertRows(
-        path, QStringLiteral("CREATE TABLE cgk (cgkid INTEGER PRIMARY KEY, bookname VARCHAR(100) "
-                             "COLLATE VBTEXT, author VARCHAR(60), publisher VARCHAR(60), isbn "
-                             "VARCHAR(20), price REAL, bookcount INTEGER, yddate DATETIME);"
-                             "WITH RECURSIVE k(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM k WHERE "
-                             "i<%1) INSERT INTO cgk SELECT i,'中国图书馆分类法研究 第'||i||'卷',"
-                             "'王小波','清华大学出版社','7-302-12345-6',12.5+i%100,1+i%5,"
-                             "'2003-01-31' FROM k")
-                  .arg(rows));
+    bench::exec(path,
+                QStringLiteral("CREATE TABLE cgk (cgkid INTEGER PRIMARY KEY, bookname VARCHAR(100) "
+                               "COLLATE VBTEXT, author VARCHAR(60), publisher VARCHAR(60), isbn "
+                               "VARCHAR(20), price REAL, bookcount INTEGER, yddate DATETIME);"
+                               "WITH RECURSIVE k(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM k WHERE "
+                               "i<%1) INSERT INTO cgk SELECT i,'中国图书馆分类法研究 第'||i||'卷',"
+                               "'王小波','清华大学出版社','7-302-12345-6',12.5+i%100,1+i%5,"
+                               "'2003-01-31' FROM k")
+                    .arg(rows));
     const QString profile =
         qEnvironmentVariableIsEmpty("BENCH_PROFILE")
             ? bench::profile(path)

@@ -23,37 +23,38 @@ int main(int argc, char** argv) {
     const char* langs[] = {"中文", "英文", "日文", "俄文", "德文", "法文", "韩文", "其它"};
     const char* ways[] = {"预订", "现购", "邮购", "赠送", "交换"};
     const char letters[] = "ABCDEFGHIJKNOPQRSTUVXZ";
-    bench::insertRows(
-        path, {},
-        "Insert Into cgk (cgkid,bookfrom,bookname,zdcode,classcode,lagclass,cgff,price,bookcount,"
-        "status,batch,ysprice,yscount,ysjine,ysdate) Values (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)",
-        orders, [&](int id) {
-            const int title = static_cast<int>(rng() % 24000);
-            const QString src = QStringLiteral("书商%1").arg(rng() % 40);
-            const bool accepted = rng() % 3 != 0;
-            const int copies = 1 + static_cast<int>(rng() % 5);
-            const double price = 5 + static_cast<double>(rng() % 9000) / 100;
-            const QVariant cls =
-                title % 50 == 0
-                    ? QVariant()
-                    : QVariant(QString(QChar(letters[title % 22])) + QString::number(title % 97));
-            std::vector<QVariant> row{id,
-                                      src,
-                                      QStringLiteral("书名%1").arg(title),
-                                      QStringLiteral("03-%1").arg(title % 9000),
-                                      cls,
-                                      langs[title % 8],
-                                      ways[id % 5],
-                                      price,
-                                      copies,
-                                      accepted ? 1 : 0};
-            if (accepted)
-                row.insert(row.end(), {QString::number(id / 20), price, copies,
-                                       static_cast<double>(1000 + id / 20), "2003-05-06"});
-            else
-                row.resize(15);
-            return row;
-        });
+    QString sql = QStringLiteral("Insert Into cgk (cgkid,bookfrom,bookname,zdcode,classcode,"
+                                 "lagclass,cgff,price,bookcount,status,batch,ysprice,yscount,"
+                                 "ysjine,ysdate) Values ");
+    for (int id = 1; id <= orders; ++id) {
+        const int title = static_cast<int>(rng() % 24000);
+        const unsigned src = rng() % 40;
+        const bool accepted = rng() % 3 != 0;
+        const int copies = 1 + static_cast<int>(rng() % 5);
+        // Written with all its digits, the price reads back as the same double.
+        const QString price = QString::number(5 + static_cast<double>(rng() % 9000) / 100, 'g', 17);
+        const QString cls =
+            title % 50 == 0
+                ? QStringLiteral("NULL")
+                : QStringLiteral("'%1%2'").arg(QChar(letters[title % 22])).arg(title % 97);
+        sql += QStringLiteral("%1(%2,'书商%3','书名%4','03-%5',%6,'%7','%8',%9,%10,%11,")
+                   .arg(id > 1 ? QStringLiteral(",") : QString())
+                   .arg(id)
+                   .arg(src)
+                   .arg(title)
+                   .arg(title % 9000)
+                   .arg(cls, QString::fromUtf8(langs[title % 8]), QString::fromUtf8(ways[id % 5]),
+                        price)
+                   .arg(copies)
+                   .arg(accepted ? 1 : 0);
+        sql += accepted ? QStringLiteral("'%1',%2,%3,%4.0,'2003-05-06')")
+                              .arg(id / 20)
+                              .arg(price)
+                              .arg(copies)
+                              .arg(1000 + id / 20)
+                        : QStringLiteral("NULL,NULL,NULL,NULL,NULL)");
+    }
+    bench::exec(path, sql);
 
     std::printf("%d orders\n", orders);
     const QStringList only = argc > 2 ? QString::fromLocal8Bit(argv[2]).split(u',') : QStringList();

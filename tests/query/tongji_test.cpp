@@ -2,7 +2,8 @@
 // a small hand-made set of orders, every figure worked out by hand: what each print table
 // holds, what its report is handed (data, title, paper), the messages, and the failures the
 // statements are known for. One run goes from the amount dialog through the builder to the
-// report. The clauses the builder writes are tested on their own (findsql_test).
+// report; orvane-report runs as a process. The clauses the builder writes are tested on
+// their own (findsql_test).
 //
 // The orders (status 1 = accepted; amounts are price x copies):
 //   id source   title     zd  class lang cgff price copies | batch ysprice yscount ysjine
@@ -29,9 +30,12 @@
 
 #include <QClipboard>
 #include <QComboBox>
+#include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
+#include <QProcess>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
@@ -299,6 +303,19 @@ protected:
         return out;
     }
     QStringList prompts() { return testsupport::boxes().prompts(); }
+    // orvane-report as a script runs it, "@db" standing for the database and "@x" for a
+    // file in the temporary folder; gives the exit code and stderr.
+    std::pair<int, QString> tool(const QStringList& args) {
+        QStringList real;
+        for (const QString& a : args)
+            real << (a == u"@db" ? dbPath() : a.startsWith(u'@') ? out(a.mid(1)) : a);
+        QProcess p;
+        p.start(QStringLiteral(ORVANE_REPORT_EXE), real);
+        EXPECT_TRUE(p.waitForFinished(60000));
+        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
+                QString::fromUtf8(p.readAllStandardError())};
+    }
+    QString out(const QString& name) { return tempPath() + u'/' + name; }
 
     vb::DataReport* shown = nullptr;
     QStringList statements;
@@ -496,6 +513,80 @@ TEST_F(Tongji, AmountDialogThroughTheQueryBuilderToTheReport) {
     EXPECT_TRUE(report.isLoaded());
     t.Command1(1)->click();
     EXPECT_FALSE(t.isLoaded());
+
+    // A printType without a generator does nothing, and the builder still goes.
+    statements.clear();
+    f().printType = QStringLiteral("nothing");
+    open(QStringLiteral("totaltotal"));
+    addCondition(QStringLiteral("书名"), QStringLiteral("等于"), QStringLiteral("红楼梦"));
+    click("Command1_1");
+    EXPECT_FALSE(f().isLoaded());
+    EXPECT_TRUE(statements.isEmpty());
+}
+
+TEST_F(Tongji, ReportToolWritesEachKindOfFileAndLeavesThePrintTableFilled) {
+    const std::tuple<const char*, const char*, QByteArray> cases[] = {
+        {"m.pdf", "totalmx", "%PDF-"},
+        {"c.xlsx", "totaltotal", "PK"}, // xlsx: a zip
+        {"t.csv", "tbookfrom", "\xEF\xBB\xBF"}};
+    for (const auto& [file, statistic, magic] : cases) {
+        SCOPED_TRACE(file);
+        const auto [code, err] = tool({"--db", "@db", "--where", " Where lagclass='中文'", "--out",
+                                       u'@' + QString::fromLatin1(file), statistic});
+        EXPECT_EQ(code, 0) << err.toStdString();
+        EXPECT_TRUE(err.contains(QStringLiteral("请将打印机设置为A4"))) << err.toStdString();
+        QFile f(out(QString::fromLatin1(file)));
+        ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+        EXPECT_EQ(f.read(magic.size()), magic);
+    }
+    EXPECT_EQ(q(QStringLiteral("select count(*)||'/'||sum(ysjine) "
+                               "from printTotalJE")),
+              QStringLiteral("2/112.0")); // 新华书店 and the total row
+}
+
+TEST_F(Tongji, ReportToolExitCodesAndMessages) {
+    const struct {
+        QStringList args;
+        int code;
+        const char16_t* says = u"usage: orvane-report"; // what stderr holds
+    } cases[] = {
+        {{}, 2},
+        {{"--out", "@x.csv"}, 2}, // no statistic
+        {{"--out", "@x.csv", "tnothing"}, 2},
+        {{"tjine"}, 2}, // no --out
+        {{"--out", "@x.txt", "tjine"}, 2},
+        {{"--where", "bookfrom='a'", "--out", "@x.csv", "tjine"}, 2},
+        {{"--order", "price", "--out", "@x.csv", "print"}, 2},
+        {{"--db", "a.db", "--dsn", "b", "--out", "@x.csv", "tjine"}, 2},
+        {{"--bogus", "--out", "@x.csv", "tjine"}, 2},
+        {{"--db", "@db", "--where", " Where nosuchcolumn=1", "--out", "@x.csv", "print"},
+         1,
+         u"nosuchcolumn"},
+        {{"--db", "@missing.db", "--out", "@x.csv", "print"}, 1, u""},
+        // Nothing accepted matches: said, and no file.
+        {{"--db", "@db", "--where", " Where bookfrom='外文书店'", "--out", "@x.csv", "totaltotal"},
+         0,
+         u"没有符合条件的记录！"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.args.join(u' ').toStdString());
+        const auto [code, err] = tool(c.args);
+        EXPECT_EQ(code, c.code);
+        EXPECT_TRUE(err.contains(QString::fromUtf16(c.says))) << err.toStdString();
+    }
+    EXPECT_FALSE(QFileInfo::exists(out(QStringLiteral("x.csv"))));
+    EXPECT_FALSE(QFileInfo::exists(out(QStringLiteral("x.txt"))));
+    EXPECT_FALSE(QFileInfo::exists(out(QStringLiteral("missing.db"))));
+
+    // A source with a quote is put into the statement as it is: the run stops before the
+    // paper message.
+    exec(QStringLiteral("Insert Into cgk (cgkid,bookfrom,bookname,"
+                        "status) Values (7,'O''Reilly','Perl',0)"));
+    const auto [code, err] = tool({"--db", "@db", "--out", "@x.csv", "tjine"});
+    EXPECT_EQ(code, 1);
+    EXPECT_TRUE(err.contains(QStringLiteral("syntax error"))) << err.toStdString();
+    EXPECT_FALSE(err.contains(QStringLiteral("请将打印机")));
+    EXPECT_FALSE(QFileInfo::exists(out(QStringLiteral("x.csv"))));
 }
 
 } // namespace
