@@ -7,34 +7,20 @@
 // A database file that does not exist yet is made with the demo data and the extra holdings
 // (and kept, so later runs skip the minute it takes); without one a temporary file is used.
 // Prints the median and the worst of each search, and the rows found.
-#include "data/dbinit/dbinit.h"
-#include "data/globals.h"
-#include "platform/adodb.h"
+#include "bench/bench.h"
 #include "platform/flexgrid.h"
-#include "platform/msgbox.h"
 #include "purchase/CaiGoufrm.h"
 #include "purchase/loadCheckDatafrm.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
-#include <QFileInfo>
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QTemporaryDir>
 
-#include <algorithm>
-#include <cstdio>
-#include <vector>
-
 namespace {
 
-struct Figures {
-    double median = 0;
-    double worst = 0;
-    int rows = 0;
-};
-
-Figures searchTimes(const QString& text, bool byTitle, int runs) {
+// Times the search `runs` times and prints the median and the worst, and the rows found.
+void search(const char* label, const QString& text, bool byTitle, int runs) {
     std::vector<double> ms;
     int rows = 0;
     for (int i = 0; i < runs; ++i) {
@@ -44,20 +30,12 @@ Figures searchTimes(const QString& text, bool byTitle, int runs) {
         QElapsedTimer t;
         t.start();
         d.Command1_Click(0);
-        ms.push_back(static_cast<double>(t.nsecsElapsed()) / 1e6);
+        ms.push_back(bench::ms(t));
         rows = d.isLoaded() ? d.Grid1()->Rows() - 1 : 0;
         d.Unload();
     }
-    std::sort(ms.begin(), ms.end());
-    return {ms[ms.size() / 2], ms.back(), rows};
-}
-
-QString first(const QString& sql) {
-    adodb::Connection conn;
-    conn.Open(gConnStr);
-    adodb::Recordset rs;
-    rs.Open(sql, conn, adodb::adOpenDynamic, adodb::adLockOptimistic, adodb::adCmdText);
-    return rs.EOF_() ? QString() : rs.text(0);
+    std::printf("%-30smedian %8.1f ms, worst %8.1f ms, %d rows\n", label, bench::median(ms),
+                *std::max_element(ms.begin(), ms.end()), rows);
 }
 
 } // namespace
@@ -75,39 +53,26 @@ int main(int argc, char** argv) {
         orvane::dbinit::Options options;
         options.demo = true;
         options.extraHoldings = std::max(0LL, zskRows - 10000); // the demo brings 10,000
-        std::string error;
         QElapsedTimer t;
         t.start();
-        if (!orvane::dbinit::createDatabase(path.toStdString(), options, &error)) {
-            std::fprintf(stderr, "database: %s\n", error.c_str());
-            return 1;
-        }
-        std::printf("made %s in %.1f s\n", qPrintable(path),
-                    static_cast<double>(t.elapsed()) / 1000);
+        bench::useDatabase(path, options);
+        std::printf("made %s in %.1f s\n", qPrintable(path), bench::ms(t) / 1000);
     }
-    gConnStr = QStringLiteral("PROVIDER=MSDASQL;Driver=SQLite3;Database=%1;LoadExt=%2;")
-                   .arg(path, QStringLiteral(ORVANE_COMPAT_MODULE));
-    gUserName = QStringLiteral("bench");
-    // No box may wait for a person here.
-    auto boxes = std::make_shared<vb::ScriptedMsgBox>();
-    vb::setMsgBoxProvider(boxes);
+    auto boxes = bench::useDatabase(path);
 
-    const QString count = first(QStringLiteral("Select count(*) From ZSK"));
+    const QString count = bench::first(QStringLiteral("Select count(*) From ZSK"));
     // A title and an ISBN from the middle of the holdings.
-    const QString mid = first(QStringLiteral("Select max(ZSKID)/2 From ZSK"));
-    const QString isbn = first(QStringLiteral("Select isbn From ZSK Where ZSKID=") + mid);
-    const QString title = first(QStringLiteral("Select bookname From ZSK Where ZSKID=") + mid);
+    const QString mid = bench::first(QStringLiteral("Select max(ZSKID)/2 From ZSK"));
+    const QString isbn = bench::first(QStringLiteral("Select isbn From ZSK Where ZSKID=") + mid);
+    const QString title =
+        bench::first(QStringLiteral("Select bookname From ZSK Where ZSKID=") + mid);
     const QString fragment = argc > 4 ? QString::fromLocal8Bit(argv[4]) : title.mid(1, 3);
     std::printf("ZSK rows: %s; ISBN %s; title fragment \"%s\" (of \"%s\")\n", qPrintable(count),
                 qPrintable(isbn), qPrintable(fragment), qPrintable(title));
 
     vb::form<CaiGoufrm>().Load(); // the check stands over the entry form
-    const Figures byIsbn = searchTimes(isbn, false, runs);
-    std::printf("ISBN search + grid:           median %8.1f ms, worst %8.1f ms, %d rows\n",
-                byIsbn.median, byIsbn.worst, byIsbn.rows);
-    const Figures byTitle = searchTimes(fragment, true, runs);
-    std::printf("title fragment search + grid: median %8.1f ms, worst %8.1f ms, %d rows\n",
-                byTitle.median, byTitle.worst, byTitle.rows);
+    search("ISBN search + grid:", isbn, false, runs);
+    search("title fragment search + grid:", fragment, true, runs);
     if (!boxes->calls().empty())
         std::printf("boxes shown: %s\n", qPrintable(boxes->prompts().join(u'|')));
     vb::FormRegistry::destroyAll();

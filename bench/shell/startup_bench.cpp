@@ -4,10 +4,7 @@
 // loading the libraries, Qt's platform and fonts count as the user waits for them.
 //
 //   bench_shell_startup [--benchmark_...]     offscreen unless a display is given
-#include "platform/form.h"
-#include "platform/msgbox.h"
 #include "platform/runtime.h"
-#include "shell/Mainfrm.h"
 #include "shell/modMain.h"
 #include "shell/routes.h"
 
@@ -18,7 +15,6 @@
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
-#include <QWidget>
 
 #include <benchmark/benchmark.h>
 

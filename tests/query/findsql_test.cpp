@@ -20,43 +20,39 @@ const Field kCount{QStringLiteral("bookcount"), QStringLiteral("预定册数"), 
 const Field kDate{QStringLiteral("yddate"), QStringLiteral("预定日期"), 2};
 const QString kConv = QStringLiteral("Convert(varchar(10),yddate,111) ");
 
-struct CondCase {
-    const Field* field;
-    const char16_t* fuhao;
-    const char16_t* value;
-    const char16_t* sql; // dates: behind kConv
-};
-
-class Conditions : public ::testing::TestWithParam<CondCase> {};
-
-TEST_P(Conditions, EachOperatorOfEachKind) {
-    const CondCase& c = GetParam();
-    Builder b;
-    b.addCondition(*c.field, QString::fromUtf16(c.fuhao), QString::fromUtf16(c.value));
-    EXPECT_EQ(b.groupSql, (c.field == &kDate ? kConv : QString()) + QString::fromUtf16(c.sql));
+TEST(Builder, EachOperatorOfEachKind) {
+    const struct {
+        const Field* field;
+        const char16_t* fuhao;
+        const char16_t* value;
+        const char16_t* sql; // dates: behind kConv
+    } cases[] = {
+        {&kTitle, u"等于", u"中国", u"bookname='中国'"},
+        {&kTitle, u"不等于", u"中国", u"bookname<>'中国'"},
+        {&kTitle, u"包含", u"O'Brien", u"bookname Like '%O''Brien%'"},
+        // Numbers go in bare, whatever was typed.
+        {&kCount, u"等于", u"3", u"bookcount=3"},
+        {&kCount, u"不等于", u"3", u"bookcount<>3"},
+        {&kCount, u"大于", u"3", u"bookcount>3"},
+        {&kCount, u"不小于", u"3", u"bookcount>=3"},
+        {&kCount, u"小于", u"abc", u"bookcount<abc"},
+        {&kCount, u"不大于", u"3.5", u"bookcount<=3.5"},
+        // A full date with 等于 is still a Like; 不等于 takes the text as it is.
+        {&kDate, u"等于", u"2003-01-05", u"Like '2003/01/05'"},
+        {&kDate, u"不等于", u"2003-__-__", u"<>'2003/__/__'"},
+        // Gaps: the highest digit for > and <=, the lowest for >= and <.
+        {&kDate, u"大于", u"2003-1_-__", u">'2003/19/99'"},
+        {&kDate, u"不大于", u"2003-1_-__", u"<='2003/19/99'"},
+        {&kDate, u"不小于", u"2003-1_-__", u">='2003/10/00'"},
+        {&kDate, u"小于", u"2003-__-__", u"<'2003/00/00'"},
+        {&kDate, u"大于", u"2003-0'-__", u">'2003/0''/99'"},
+    };
+    for (const auto& c : cases) {
+        Builder b;
+        b.addCondition(*c.field, QString::fromUtf16(c.fuhao), QString::fromUtf16(c.value));
+        EXPECT_EQ(b.groupSql, (c.field == &kDate ? kConv : QString()) + QString::fromUtf16(c.sql));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    PerKind, Conditions,
-    ::testing::Values(CondCase{&kTitle, u"等于", u"中国", u"bookname='中国'"},
-                      CondCase{&kTitle, u"不等于", u"中国", u"bookname<>'中国'"},
-                      CondCase{&kTitle, u"包含", u"O'Brien", u"bookname Like '%O''Brien%'"},
-                      // Numbers go in bare, whatever was typed.
-                      CondCase{&kCount, u"等于", u"3", u"bookcount=3"},
-                      CondCase{&kCount, u"不等于", u"3", u"bookcount<>3"},
-                      CondCase{&kCount, u"大于", u"3", u"bookcount>3"},
-                      CondCase{&kCount, u"不小于", u"3", u"bookcount>=3"},
-                      CondCase{&kCount, u"小于", u"abc", u"bookcount<abc"},
-                      CondCase{&kCount, u"不大于", u"3.5", u"bookcount<=3.5"},
-                      // A full date with 等于 is still a Like; 不等于 takes the text as it is.
-                      CondCase{&kDate, u"等于", u"2003-01-05", u"Like '2003/01/05'"},
-                      CondCase{&kDate, u"不等于", u"2003-__-__", u"<>'2003/__/__'"},
-                      // Gaps: the highest digit for > and <=, the lowest for >= and <.
-                      CondCase{&kDate, u"大于", u"2003-1_-__", u">'2003/19/99'"},
-                      CondCase{&kDate, u"不大于", u"2003-1_-__", u"<='2003/19/99'"},
-                      CondCase{&kDate, u"不小于", u"2003-1_-__", u">='2003/10/00'"},
-                      CondCase{&kDate, u"小于", u"2003-__-__", u"<'2003/00/00'"},
-                      CondCase{&kDate, u"大于", u"2003-0'-__", u">'2003/0''/99'"}));
 
 TEST(Builder, GroupsJoinWithOrTheirConditionsWithAndAndTheOrderWithCommas) {
     Builder b;
@@ -81,50 +77,37 @@ TEST(Builder, GroupsJoinWithOrTheirConditionsWithAndAndTheOrderWithCommas) {
     EXPECT_TRUE(b.isEmpty() && b.orderText.isEmpty() && b.totalTexts.isEmpty());
 }
 
-struct FinishCase {
-    const char* name;
-    int closed; // groups closed before OK
-    bool open;  // a group left open at OK
-    bool order; // an order chosen
-    const char16_t* fixture;
-    const char16_t* where;
-};
-
-class Finish : public ::testing::TestWithParam<FinishCase> {};
-
-TEST_P(Finish, FoldsTheOpenGroupAndAddsTheFixedCondition) {
-    const FinishCase& c = GetParam();
-    Builder b;
-    const QString names[] = {QStringLiteral("甲"), QStringLiteral("乙"), QStringLiteral("丙")};
-    int n = 0;
-    for (int i = 0; i < c.closed; ++i) {
-        b.addCondition(kTitle, QStringLiteral("等于"), names[n++]);
-        b.closeGroup();
+// OK folds the open group in and puts the receiver's fixed condition before the groups;
+// only an order takes the receiver's whole clause. The builder keeps what it hands over.
+TEST(Builder, FinishFoldsTheOpenGroupBehindTheFixedCondition) {
+    const struct {
+        int closed; // groups closed before OK
+        bool open;  // a group left open at OK
+        const char16_t* fixture;
+        const char16_t* where;
+    } cases[] = {
+        {0, true, u"", u" Where bookname='甲'"}, // alone: no parentheses
+        {1, true, u"", u" Where (bookname='甲') OR (bookname='乙')"},
+        {0, true, u" Where status=1", u" Where status=1 AND (bookname='甲')"},
+        {2, false, u" Where status=1", u" Where status=1 AND ((bookname='甲') OR (bookname='乙'))"},
+        {0, false, u" Where status=1", u" Where status=0"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(QString::fromUtf16(c.where).toStdString());
+        Builder b;
+        const QString names[] = {QStringLiteral("甲"), QStringLiteral("乙")};
+        for (int i = 0; i < c.closed + (c.open ? 1 : 0); ++i) {
+            b.addCondition(kTitle, QStringLiteral("等于"), names[i]);
+            if (i < c.closed) b.closeGroup();
+        }
+        b.addOrder(kDate, 1, QStringLiteral("降序"));
+        const findsql::Clause cl =
+            b.finish(QString::fromUtf16(c.fixture), QStringLiteral(" Where status=0"));
+        EXPECT_EQ(cl.where, QString::fromUtf16(c.where));
+        EXPECT_EQ(cl.order, QStringLiteral(" Order By yddate Desc"));
+        EXPECT_EQ(b.mergedSql + b.orderSql, cl.where + cl.order);
     }
-    if (c.open) b.addCondition(kTitle, QStringLiteral("等于"), names[n++]);
-    if (c.order) b.addOrder(kDate, 1, QStringLiteral("降序"));
-    const findsql::Clause cl =
-        b.finish(QString::fromUtf16(c.fixture), QStringLiteral(" Where status=0"));
-    EXPECT_EQ(cl.where, QString::fromUtf16(c.where));
-    EXPECT_EQ(cl.order, c.order ? QStringLiteral(" Order By yddate Desc") : QString());
-    // The builder keeps the clauses: the receiver gets them by reference.
-    EXPECT_EQ(b.mergedSql, cl.where);
-    EXPECT_EQ(b.orderSql, cl.order);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Clauses, Finish,
-    ::testing::Values(FinishCase{"OpenAloneLosesItsParentheses", 0, true, false, u"",
-                                 u" Where bookname='甲'"},
-                      FinishCase{"OpenAfterClosedIsOneMoreGroup", 1, true, false, u"",
-                                 u" Where (bookname='甲') OR (bookname='乙')"},
-                      FinishCase{"OpenAloneBehindFixture", 0, true, false, u" Where status=1",
-                                 u" Where status=1 AND (bookname='甲')"},
-                      FinishCase{"ClosedGroupsBehindFixture", 2, false, true, u" Where status=1",
-                                 u" Where status=1 AND ((bookname='甲') OR (bookname='乙'))"},
-                      FinishCase{"OnlyAnOrderTakesTheWholeClause", 0, false, true,
-                                 u" Where status=1", u" Where status=0"}),
-    [](const ::testing::TestParamInfo<FinishCase>& i) { return std::string(i.param.name); });
 
 // On the embedded database a month given in part selects the rows that plain date
 // comparisons select.
