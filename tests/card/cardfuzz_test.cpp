@@ -101,29 +101,29 @@ TEST(CardFuzz, GbkAgreesWithThePlatformOnRandomInput) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 rng(seed);
-    for (int round = 0; round < 2000; ++round) {
+    for (int round = 0; round < 1500; ++round) {
         const QByteArray b = randomBytes(rng, int(rng() % 30));
         bool exact = false;
         std::vector<int32_t> at;
         const QString fast = card::cardgbk::decode(b.constData(), b.size(), &exact, &at);
         ASSERT_EQ(fast, gbk::decode(b)) << b.toHex().toStdString();
-        EXPECT_EQ(exact, gbk::encode(fast) == b) << b.toHex().toStdString();
+        ASSERT_EQ(exact, gbk::encode(fast) == b) << b.toHex().toStdString();
         // Back again, with units GBK lacks and surrogates, paired or alone.
         const QString s =
             fast + QChar(char16_t(rng() % 65536)) + QChar(char16_t(0xD800 + rng() % 0x800));
         ASSERT_EQ(card::cardgbk::encode(s), gbk::encode(s)) << s.toStdString();
         ASSERT_EQ(card::cardgbk::byteLength(s), gbk::byteLength(s)) << s.toStdString();
-        // Each record form: built from the bytes alone, and with the offsets of the decoding.
+        // Every byte cut of a record made of them reads as the piece decoded on its own,
+        // whether the record comes with the offsets of its decoding or without.
         const card::MarcText whole(fast, b);
         const card::MarcText withOffsets = exact ? card::MarcText(fast, b, at) : whole;
         QString scratch;
         for (qsizetype from = 1; from <= b.size(); ++from) {
             for (qsizetype n = 0; from - 1 + n <= b.size(); ++n) {
                 const QString alone = gbk::decode(b.mid(from - 1, n));
-                ASSERT_EQ(card::midB(whole, from, n, scratch), alone)
-                    << b.toHex().toStdString() << " " << from << "+" << n;
-                ASSERT_EQ(card::midB(withOffsets, from, n, scratch), alone);
-                ASSERT_EQ(card::midB(b, from, n), alone);
+                ASSERT_EQ(card::midB(whole, from, n, scratch), alone) << from << "+" << n;
+                ASSERT_EQ(card::midB(withOffsets, from, n, scratch), alone) << from << "+" << n;
+                ASSERT_EQ(card::midB(b, from, n), alone) << from << "+" << n;
             }
         }
     }
