@@ -46,22 +46,16 @@ ToolRun runTool(const QStringList& args, QByteArray input) {
 
 TEST(CardCli, Arguments) {
     QString error;
-    auto o = card::parseArguments({}, &error);
+    auto o = card::parseArguments({"--fields", "a.mrc", "-", "--gbk", "--", "--raw"}, &error);
     ASSERT_TRUE(o);
-    EXPECT_TRUE(o->layout == card::Layout::Card && !o->view && o->files.isEmpty());
-    o = card::parseArguments({"--fields", "a.mrc", "-", "--gbk", "--", "--raw"}, &error);
-    ASSERT_TRUE(o);
-    EXPECT_TRUE(o->layout == card::Layout::Fields && o->gbkOutput);
+    EXPECT_TRUE(o->layout == card::Layout::Fields && o->gbkOutput && !o->view);
     EXPECT_EQ(o->files, (QStringList{"a.mrc", "-", "--raw"}));
-    const std::pair<QStringList, const char*> bad[] = {{{"--card", "--raw"}, "只能选一个"},
-                                                       {{"--view", "--fields"}, "不能与"},
-                                                       {{"--cards"}, "未知选项: --cards"}};
-    for (const auto& [args, said] : bad) {
-        error.clear();
-        EXPECT_FALSE(card::parseArguments(args, &error)) << args.join(' ').toStdString();
-        EXPECT_TRUE(error.contains(QString::fromUtf8(said))) << error.toStdString();
-    }
     EXPECT_TRUE(card::parseArguments({"--raw", "--raw"}, &error));
+    // Two layouts, or the viewer with a layout, are refused; so is an unknown option.
+    for (const QStringList& args :
+         {QStringList{"--card", "--raw"}, {"--view", "--fields"}, {"--cards"}})
+        EXPECT_FALSE(card::parseArguments(args, &error)) << args.join(' ').toStdString();
+    EXPECT_EQ(error, QStringLiteral("未知选项: --cards"));
 }
 
 TEST(CardCli, SplitterCutsAtRecordEndsAcrossChunks) {

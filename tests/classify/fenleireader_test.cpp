@@ -91,12 +91,9 @@ TEST(FenleiLines, SplitLettersEndsMembershipAndPath) {
     for (const char* line : {"   B 第二大类", "TP 计算机", "    ", "", "\tA"})
         letters += classLetter(line).isNull() ? QChar(u'-') : classLetter(line);
     EXPECT_EQ(letters, QStringLiteral("BT--\t")); // only blanks are trimmed, as the runtime does
-    for (const char* closes : {"[x]", "[]", "[A9] 也结束]"}) EXPECT_TRUE(endsSection(closes));
-    for (const char* open : {"[", " [x]", "[x] ", "[A8] 方括号类目"})
-        EXPECT_FALSE(endsSection(open));
-    for (const char* in : {"A1 x", "[A8] x", "A"}) EXPECT_TRUE(belongsTo(in, u'A')) << in;
-    for (const char* out : {" A1 x", "a1 x", "[ A8]", "[", ""})
-        EXPECT_FALSE(belongsTo(out, u'A')) << out;
+    // What the sample file does not show already.
+    EXPECT_FALSE(endsSection("["));
+    for (const char* out : {"[ A8]", "[", ""}) EXPECT_FALSE(belongsTo(out, u'A')) << out;
     for (const char* folder : {"/opt/orvane", "/opt/orvane/"})
         EXPECT_EQ(configPath(folder, QStringLiteral("fenlei.Qvx")),
                   QDir::toNativeSeparators(QStringLiteral("/opt/orvane/fenlei.Qvx")));
