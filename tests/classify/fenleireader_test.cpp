@@ -5,7 +5,6 @@
 #include "fenleitestfile.h"
 
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 #include <QStringDecoder>
 #include <QTemporaryDir>
@@ -13,28 +12,19 @@
 #include <gtest/gtest.h>
 
 using namespace classify;
-using fenleitest::sampleOutline;
-using fenleitest::writeFile;
-using fenleitest::writeOutline;
 
 namespace {
 
-class FenleiReader : public ::testing::Test {
-protected:
-    QString file(const QStringList& lines) {
-        const QString p = dir.filePath(QStringLiteral("fenlei.Qvx"));
-        EXPECT_TRUE(writeOutline(p, lines));
-        return p;
-    }
+TEST(FenleiReader, SampleSectionsLetterByLetter) {
     QTemporaryDir dir;
-};
-
-TEST_F(FenleiReader, SampleSectionsLetterByLetter) {
-    const QString p = file(sampleOutline());
+    const QString p = dir.filePath(QStringLiteral("fenlei.Qvx"));
+    EXPECT_EQ(readDaLei(p).status, ReadStatus::Missing);
+    EXPECT_EQ(readErJi(p, u'A').status, ReadStatus::Missing);
+    ASSERT_TRUE(fenleitest::writeOutline(p, fenleitest::sampleOutline()));
     const SectionRead main = readDaLei(p);
     EXPECT_EQ(main.status, ReadStatus::Ok);
-    // Blanks in front kept, the empty line kept, the blank-led bracket line does not close,
-    // "[随便什么]" closes whatever it says.
+    // Headers with blanks around are found; blanks in front kept, the empty line kept, the
+    // blank-led bracket line does not close, "[随便什么]" closes whatever it says.
     EXPECT_EQ(main.lines, (QStringList{"A 第一大类", "   B 第二大类，前有空格", "", "T 工业类",
                                        "t 小写的类", " [X] 前有空格的方括号行不结束本节]"}));
     const std::pair<char16_t, QStringList> cases[] = {
@@ -54,61 +44,42 @@ TEST_F(FenleiReader, SampleSectionsLetterByLetter) {
         EXPECT_EQ(r.status, ReadStatus::Ok);
         EXPECT_EQ(r.lines, expected) << "letter " << QString(QChar(letter)).toStdString();
     }
+    // A folder of the file's name is no file.
+    ASSERT_TRUE(QFile::remove(p) && QDir(dir.path()).mkdir(QStringLiteral("fenlei.Qvx")));
+    EXPECT_EQ(readDaLei(p).status, ReadStatus::Missing);
 }
 
-struct FileCase {
-    QStringList lines;
-    QStringList main;
-    QStringList secondOfA;
-};
-
-void PrintTo(const FileCase& c, std::ostream* os) {
-    *os << (c.lines.isEmpty() ? QStringLiteral("empty") : c.lines.join(u'|')).toStdString();
-}
-
-class FenleiFile : public FenleiReader, public ::testing::WithParamInterface<FileCase> {};
-
-TEST_P(FenleiFile, GivesItsSectionsWithoutAnError) {
-    const QString p = file(GetParam().lines);
-    const SectionRead main = readDaLei(p), second = readErJi(p, u'A');
-    EXPECT_EQ(main.status, ReadStatus::Ok);
-    EXPECT_EQ(second.status, ReadStatus::Ok);
-    EXPECT_EQ(main.lines, GetParam().main);
-    EXPECT_EQ(second.lines, GetParam().secondOfA);
-}
-
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(Table, FenleiFile, ::testing::Values(
-    FileCase{{}, {}, {}},
-    // Sections are found whatever their order.
-    FileCase{{"[二级类目表]", "A1 甲", "[大类表]", "A 甲类", "B 乙类"}, {"A 甲类", "B 乙类"}, {"A1 甲"}},
-    FileCase{{"[二级类目表]", "A1 甲"}, {}, {"A1 甲"}},
-    FileCase{{"[大类表]", "A 甲类"}, {"A 甲类"}, {}},
-    FileCase{{"[大类表]", "[二级类目表]", "[完]"}, {}, {}},
-    // A header with more on its line, or a near miss, opens nothing.
-    FileCase{{"[大类表] 甲", "A 甲类", "[二级类目]", "A1 甲"}, {}, {}},
-    // Closing is judged on the line as read: trailing or leading blanks keep it open.
-    FileCase{{"[大类表]", "A 甲类", "[未完] ", "B 乙类", "[]", "C 丙类"}, {"A 甲类", "[未完] ", "B 乙类"}, {}}));
-// clang-format on
-
-TEST_F(FenleiReader, MissingFileAndFolderOfThatName) {
-    const QString gone = dir.filePath(QStringLiteral("fenlei.Qvx"));
-    EXPECT_EQ(readDaLei(gone).status, ReadStatus::Missing);
-    EXPECT_EQ(readErJi(gone, u'A').status, ReadStatus::Missing);
-    ASSERT_TRUE(QDir(dir.path()).mkdir(QStringLiteral("fenlei.Qvx")));
-    EXPECT_EQ(readDaLei(gone).status, ReadStatus::Missing);
-}
-
-TEST_F(FenleiReader, LineEndsOfEveryKindAndGbkText) {
+TEST(FenleiReader, SectionsOfSmallFilesWithoutAnError) {
+    struct {
+        QStringList lines, main, secondOfA;
+    } const cases[] = {
+        // clang-format off
+        {{}, {}, {}},
+        // Sections are found whatever their order.
+        {{"[二级类目表]", "A1 甲", "[大类表]", "A 甲类", "B 乙类"}, {"A 甲类", "B 乙类"}, {"A1 甲"}},
+        {{"[二级类目表]", "A1 甲"}, {}, {"A1 甲"}},
+        {{"[大类表]", "A 甲类"}, {"A 甲类"}, {}},
+        {{"[大类表]", "[二级类目表]", "[完]"}, {}, {}},
+        // A header with more on its line, or a near miss, opens nothing.
+        {{"[大类表] 甲", "A 甲类", "[二级类目]", "A1 甲"}, {}, {}},
+        // Closing is judged on the line as read: trailing or leading blanks keep it open.
+        {{"[大类表]", "A 甲类", "[未完] ", "B 乙类", "[]", "C 丙类"}, {"A 甲类", "[未完] ", "B 乙类"}, {}},
+        // clang-format on
+    };
+    QTemporaryDir dir;
     const QString p = dir.filePath(QStringLiteral("fenlei.Qvx"));
-    ASSERT_TRUE(writeFile(p, "[\xB4\xF3\xC0\xE0\xB1\xED]\n" // [大类表] with a bare LF
-                             "A \xBC\xD7\r"                 // A 甲 with a bare CR
-                             "B \xD2\xD2\r\n"               // B 乙
-                             "C \xB1\xFB"));                // C 丙, no break at the end
-    EXPECT_EQ(readDaLei(p).lines, (QStringList{"A 甲", "B 乙", "C 丙"}));
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.lines.join(u'|').toStdString());
+        ASSERT_TRUE(fenleitest::writeOutline(p, c.lines));
+        const SectionRead main = readDaLei(p), second = readErJi(p, u'A');
+        EXPECT_EQ(main.status, ReadStatus::Ok);
+        EXPECT_EQ(second.status, ReadStatus::Ok);
+        EXPECT_EQ(main.lines, c.main);
+        EXPECT_EQ(second.lines, c.secondOfA);
+    }
 }
 
-TEST(FenleiLines, SplitLines) {
+TEST(FenleiLines, SplitLettersEndsMembershipAndPath) {
     // clang-format off
     const std::pair<QByteArray, QStringList> cases[] = {
         {"", {}}, {"a", {"a"}}, {"a\r\n", {"a"}}, {"a\r\n\r\n", {"a", ""}}, {"\r\n", {""}},
@@ -116,30 +87,19 @@ TEST(FenleiLines, SplitLines) {
         {"\xD6\xD0\r\n\xCE\xC4", {"中", "文"}}}; // a CR byte never stands inside a GBK pair
     // clang-format on
     for (const auto& [in, out] : cases) EXPECT_EQ(splitLines(in), out) << in.toStdString();
-}
-
-TEST(FenleiLines, LetterSectionEndAndMembership) {
     QString letters; // "-" for no letter
     for (const char* line : {"   B 第二大类", "TP 计算机", "    ", "", "\tA"})
         letters += classLetter(line).isNull() ? QChar(u'-') : classLetter(line);
     EXPECT_EQ(letters, QStringLiteral("BT--\t")); // only blanks are trimmed, as the runtime does
-    for (const char* closes : {"[x]", "[]", "[A9] 也结束]"}) EXPECT_TRUE(endsSection(closes));
-    for (const char* open : {"[", " [x]", "[x] ", "[A8] 方括号类目"})
-        EXPECT_FALSE(endsSection(open));
-    for (const char* in : {"A1 x", "[A8] x", "A"}) EXPECT_TRUE(belongsTo(in, u'A')) << in;
-    for (const char* out : {" A1 x", "a1 x", "[ A8]", "[", ""})
-        EXPECT_FALSE(belongsTo(out, u'A')) << out;
-}
-
-TEST(FenleiLines, PathAndMessages) {
+    // What the sample file does not show already.
+    EXPECT_FALSE(endsSection("["));
+    for (const char* out : {"[ A8]", "[", ""}) EXPECT_FALSE(belongsTo(out, u'A')) << out;
     for (const char* folder : {"/opt/orvane", "/opt/orvane/"})
         EXPECT_EQ(configPath(folder, QStringLiteral("fenlei.Qvx")),
                   QDir::toNativeSeparators(QStringLiteral("/opt/orvane/fenlei.Qvx")));
     // A folder that already ends in a backslash gets no second separator.
     EXPECT_EQ(configPath(QStringLiteral("C:\\"), QStringLiteral("fenlei.Qvx")),
               QStringLiteral("C:\\fenlei.Qvx"));
-    EXPECT_EQ(missingMessage(QStringLiteral("/opt/orvane/fenlei.Qvx")),
-              QStringLiteral("配置文件【/opt/orvane/fenlei.Qvx】丢失。"));
 }
 
 TEST(FenleiShipped, IsGbkWithWindowsLineEndsAndEveryLineIsReachable) {

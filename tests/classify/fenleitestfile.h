@@ -1,34 +1,21 @@
 #pragma once
-// Writing made-up outline files for the tests: UTF-8 text in, GBK bytes with CR LF out,
-// the way the shipped file is laid down.
+// Made-up outline files for the tests: UTF-8 lines in, GBK bytes with CR LF out, the way
+// the shipped file is laid down.
 
 #include "tests/support/printto.h"
-#include <QByteArray>
+
 #include <QFile>
-#include <QString>
 #include <QStringEncoder>
 #include <QStringList>
 
-#include <ostream>
-
 namespace fenleitest {
 
-inline QByteArray toGbk(const QStringList& lines, const char* eol = "\r\n") {
+inline bool writeOutline(const QString& path, const QStringList& lines) {
     QStringEncoder enc("GBK");
-    QByteArray out;
-    for (const QString& l : lines) {
-        out += enc.encode(l);
-        out += eol;
-    }
-    return out;
-}
-
-inline bool writeFile(const QString& path, const QByteArray& bytes) {
+    QByteArray bytes;
+    for (const QString& l : lines) bytes += enc.encode(l) + QByteArray("\r\n");
     QFile f(path);
     return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
-}
-inline bool writeOutline(const QString& path, const QStringList& lines) {
-    return writeFile(path, toGbk(lines));
 }
 
 // A small file of the shipped form that has every corner the reader must get right.
