@@ -1,18 +1,117 @@
 #pragma once
 // Shared by the acceptance tests: orders made to measure on a fresh database, a dump of
-// every table to prove a failed save left nothing behind, and a fault that strikes the k-th
-// write on cgk.
+// every table to prove a failed save left nothing behind, a fault that strikes the k-th
+// write on cgk, and a hand inside modal forms.
 
+#include "acceptance/YanShouAddfrm.h"
+#include "acceptance/YanShoufrm.h"
+#include "platform/adodb.h"
 #include "platform/flexgrid.h"
+#include "platform/maskedbox.h"
+#include "query/Findfrm.h"
 #include "tests/support/checks.h"
 #include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QFile>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
+
+#include <functional>
+
+using namespace testsupport;
+
+// Runs `open`, and `inside` (which must close it) once a modal form is up; fails when none
+// comes.
+inline void whileModal(const std::function<void()>& inside, const std::function<void()>& open) {
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        if (!QApplication::activeModalWidget()) return;
+        poll.stop();
+        inside();
+    });
+    poll.start(10);
+    open();
+    settle();
+    EXPECT_FALSE(poll.isActive()) << "no modal form came up";
+}
+
+// In the query builder: `field` 等于 `value`, then OK.
+inline void findBy(const QString& field, const QString& value) {
+    auto& f = vb::form<Findfrm>();
+    auto* fields = f.ctl<QListWidget>(QStringLiteral("LFields"));
+    fields->setCurrentItem(fields->findItems(field, Qt::MatchExactly)[0]);
+    f.ctl<QComboBox>(QStringLiteral("cFuhao"))->setCurrentIndex(0);
+    f.ctl<vb::MaskEdBox>(QStringLiteral("lSql"))->setTextVb(value);
+    QTest::mouseClick(f.ctl<QPushButton>(QStringLiteral("Command3")), Qt::LeftButton);
+    QTest::mouseClick(f.ctl<QPushButton>(QStringLiteral("Command1_1")), Qt::LeftButton);
+}
+
+// 验收 on the open acceptance grid, and the voucher filled in and confirmed (cancelled if
+// refused); `proposed` takes the amount it proposed.
+inline void acceptVoucher(const QString& batch, const QString& amount, const QString& fp,
+                          const QString& sj, QString* proposed = nullptr) {
+    whileModal(
+        [&] {
+            auto& v = vb::form<YanShouAddfrm>();
+            QApplication::setActiveWindow(v.window());
+            settle();
+            if (proposed) *proposed = v.Text1(2)->text();
+            typeAndLeave(v.Text1(1), batch);
+            if (!amount.isNull()) typeAndLeave(v.Text1(2), amount);
+            typeAndLeave(v.Text1(3), fp);
+            typeAndLeave(v.Text1(4), sj);
+            click(v, QStringLiteral("Command1_0"));
+            if (v.isLoaded()) v.Command1_Click(1);
+        },
+        [] { click(vb::form<YanShoufrm>(), QStringLiteral("Command1_1")); });
+}
+
+// A report grouped by batch, as handed to it: "heading: cell|cell ; ..." per child row.
+inline QString byBatch(adodb::Recordset* rs) {
+    QStringList out;
+    for (rs->MoveFirst(); !rs->EOF_(); rs->MoveNext()) {
+        adodb::Recordset* c = rs->child(QStringLiteral("myPrint"));
+        for (c->MoveFirst(); !c->EOF_(); c->MoveNext()) {
+            QStringList cells;
+            for (int i = 1; i < c->fieldCount(); ++i) cells << c->text(i);
+            out << rs->text(QStringLiteral("batch")) + QStringLiteral(": ") + cells.join(u'|');
+        }
+    }
+    return out.join(QStringLiteral(" ; "));
+}
+
+// The columns' texts below the header, "a,b|c,d", to compare several in one line.
+inline QString gridColumns(vb::FlexGrid* g, std::initializer_list<int> cols) {
+    QStringList out;
+    for (int c : cols) out << gridColumn(g, c).join(u',');
+    return out.join(u'|');
+}
+// Selects rows row..rowSel and presses the key on the grid.
+inline void press(vb::FlexGrid* g, int row, int rowSel, Qt::Key k) {
+    g->setRow(row);
+    g->setRowSel(rowSel);
+    g->setFocus();
+    settle();
+    QTest::keyClick(g, k);
+    settle();
+}
+// Opens the grid's editor on (row, col) with Enter, types over it and leaves with Enter.
+inline void editCell(vb::FlexGrid* g, QLineEdit* editor, int row, int col, const QString& text) {
+    g->setCol(col);
+    press(g, row, row, Qt::Key_Return);
+    ASSERT_TRUE(editor->isVisible()) << row << "," << col;
+    editor->selectAll();
+    QTest::keyClick(editor, Qt::Key_Backspace);
+    typeText(editor, text);
+    QTest::keyClick(editor, Qt::Key_Return);
+    settle();
+}
 
 class AcceptanceDb : public testsupport::SessionDb {
 protected:
@@ -43,8 +142,8 @@ protected:
                  .arg(id));
     }
 
-    // Every table but the fault's, row by row, optionally without the cgkid counter.
-    QString dump(bool withCounter = true) {
+    // Every table but the fault's, row by row.
+    QString dump() {
         QString out;
         const QStringList tables =
             q(QStringLiteral("SELECT group_concat(name, ',') FROM (SELECT name FROM sqlite_master "
@@ -57,14 +156,10 @@ protected:
                        .arg(t))
                      .split(u','))
                 quoted << QStringLiteral("quote(\"%1\")").arg(c);
-            const QString where =
-                !withCounter && t.compare(QStringLiteral("Global"), Qt::CaseInsensitive) == 0
-                    ? QStringLiteral(" WHERE type<>'cgkid'")
-                    : QString();
             out += t + u'\n' +
                    q(QStringLiteral("SELECT group_concat(r, char(10)) FROM (SELECT %1 AS r FROM "
-                                    "\"%2\"%3 ORDER BY rowid)")
-                         .arg(quoted.join(QStringLiteral("||'|'||")), t, where)) +
+                                    "\"%2\" ORDER BY rowid)")
+                         .arg(quoted.join(QStringLiteral("||'|'||")), t)) +
                    u'\n';
         }
         return out;
@@ -88,32 +183,4 @@ protected:
         QFile::remove(dbPath());
         ASSERT_TRUE(QFile::copy(dbPath() + QStringLiteral(".kept"), dbPath()));
     }
-
-    // The columns' texts below the header, "a,b|c,d", to compare several in one line.
-    static QString gridColumns(vb::FlexGrid* g, std::initializer_list<int> cols) {
-        QStringList out;
-        for (int c : cols) out << testsupport::gridColumn(g, c).join(u',');
-        return out.join(u'|');
-    }
-    static void key(vb::FlexGrid* g, Qt::Key k) {
-        g->setFocus();
-        testsupport::settle();
-        QTest::keyClick(g, k);
-        testsupport::settle();
-    }
-    // Selects rows row..rowSel and presses the key on the grid.
-    static void press(vb::FlexGrid* g, int row, int rowSel, Qt::Key k) {
-        g->setRow(row);
-        g->setRowSel(rowSel);
-        key(g, k);
-    }
 };
-
-using testsupport::boxes;
-using testsupport::cells;
-using testsupport::click;
-using testsupport::gridColumn;
-using testsupport::settle;
-using testsupport::shown;
-using testsupport::typeAndLeave;
-using testsupport::typeText;
