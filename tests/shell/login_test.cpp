@@ -27,7 +27,7 @@ void store(const QString& v) {
 }
 
 template <class F> void press(F& f, const QString& button) {
-    shelltest::click(f.template ctl<QPushButton>(button));
+    QTest::mouseClick(f.template ctl<QPushButton>(button), Qt::LeftButton);
 }
 
 // Records each box with the dialog's pointer and frame caption at that moment.
