@@ -1,18 +1,23 @@
-// The forms as a librarian meets them inside the frame: the size a child window opens at,
-// whose Alt letters win, what an access key does to the field being left, Enter on a
-// button, and what each routed command opens, from the menu and from the toolbar.
+// The frame and the forms as a librarian meets them inside it: the exit question, size and
+// centring, the status bar when the server date fails, the desktop commands, the size a
+// child window opens at, whose Alt letters win, what an access key does to the field being
+// left, Enter on a button, what each routed command opens; and the right-button popup.
 #include "modalscript.h"
 #include "shelltest.h"
 
+#include "platform/Menu.h"
 #include "platform/flexgrid.h"
+#include "platform/vb.h"
 #include "purchase/CaiGoufrm.h"
 #include "purchase/loadCheckDatafrm.h"
 #include "query/Findfrm.h"
+#include "shell/EditPassFrm.h"
 #include "shell/Mainfrm.h"
 #include "shell/routes.h"
 #include "supplier/cgGYSfrm.h"
 
 #include <QAction>
+#include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -25,32 +30,38 @@ using testsupport::settle;
 
 namespace {
 
-class FrameTest : public testsupport::DbTest {
+class FrameTest : public testsupport::SessionDb {
 protected:
+    FrameTest() : SessionDb(true) {}
     void SetUp() override {
-        DbTest::SetUp();
-        shelltest::resetGlobals();
-        gConnStr = makeDatabase(true);
+        SessionDb::SetUp();
         registerRoutes();
-        auto& f = vb::form<Mainfrm>();
-        f.Load();
-        f.Show();
-        QApplication::setActiveWindow(f.window());
     }
     void TearDown() override {
-        for (int c = 0; c < Mainfrm::commandCount; ++c)
-            if (c != Mainfrm::cmd口令修改 && c != Mainfrm::cmd关于系统)
-                Mainfrm::setCommandHandler(static_cast<Mainfrm::Command>(c), {});
-        DbTest::TearDown();
+        // The printer test's hooks refer to its own locals.
+        Mainfrm::setStarter({});
+        Mainfrm::setPrinterDialog({});
+        SessionDb::TearDown();
     }
-    QString q(const QString& sql) { return testsupport::querySqlite(dbPath(), sql); }
-    Mainfrm& frame() { return vb::form<Mainfrm>(); }
+    // Loaded on first use, so that a test may break the connection before.
+    Mainfrm& frame() {
+        auto& f = vb::form<Mainfrm>();
+        if (!f.isLoaded()) {
+            f.Load();
+            f.Show();
+            QApplication::setActiveWindow(f.window());
+        }
+        return f;
+    }
+    QToolButton* button(int index) {
+        return frame().ctl<QToolButton>(vb::ctlName(u"Toolbar1"_s, index));
+    }
     QAction* act(const QString& name) { return frame().window()->findChild<QAction*>(name); }
     QMdiArea* mdi() { return frame().ctl<QMdiArea>(u"MDIClient"_s); }
     CaiGoufrm& entry() { return vb::form<CaiGoufrm>(); }
     // The entry form as toolbar button 3 opens it.
     void openEntry() {
-        QTest::mouseClick(frame().ctl<QToolButton>(u"Toolbar1_3"_s), Qt::LeftButton);
+        QTest::mouseClick(button(3), Qt::LeftButton);
         settle();
         ASSERT_TRUE(entry().isVisible());
     }
@@ -73,6 +84,101 @@ protected:
     }
 };
 
+// The close box, 退出系统 on the menu and button 15 ask the same question; No stays,
+// Yes ends the process with nothing else unloaded.
+TEST_F(FrameTest, ExitQuestionFromEveryWayOut) {
+    const std::pair<const char*, std::function<void()>> ways[] = {
+        {"close box", [this] { frame().window()->close(); }},
+        {"menu", [this] { act(u"退出系统"_s)->trigger(); }},
+        {"button 15", [this] { QTest::mouseClick(button(15), Qt::LeftButton); }},
+    };
+    for (const auto& [name, way] : ways) {
+        SCOPED_TRACE(name);
+        for (int answer : {vb::vbNo, vb::vbYes}) {
+            boxes().clear();
+            App::resetEndCount();
+            vb::form<EditPassFrm>().Load(); // a child with something open
+            boxes().answer(answer);
+            try {
+                way();
+            } catch (const vb::ProcessEnded&) {
+                // a trigger() called from here unwinds to us
+            }
+            EXPECT_EQ(boxes().prompts(), QStringList{u"  是否确定退出该操作系统？（Y/N）"_s});
+            EXPECT_EQ(testsupport::processEnds(), answer == vb::vbYes ? 1 : 0);
+            EXPECT_TRUE(frame().isLoaded() && vb::form<EditPassFrm>().isLoaded());
+        }
+    }
+}
+
+// A server date that cannot be read is told once and the local day shown. A command whose
+// form has no route is there but disabled, on the menu and on the toolbar.
+TEST_F(FrameTest, OpensCentredAtItsSizeWithUnroutedCommandsDisabled) {
+    gConnStr = shelltest::brokenProfile();
+    QWidget* w = frame().window();
+    ASSERT_EQ(boxes().calls().size(), 1u) << boxes().prompts().join(u'|').toStdString();
+    EXPECT_TRUE(boxes().last().prompt.startsWith(u"获取服务器日期时出现错误！"_s));
+    const QString today = vb::Format(QDateTime::currentDateTime(), u"yyyy年mm月dd日"_s);
+    EXPECT_TRUE(frame().ctl<QLabel>(u"Panel1"_s)->text().startsWith(u"当前日期："_s + today));
+    const QRect screen = w->screen()->geometry();
+    auto centred = [&] {
+        const QRect f = w->frameGeometry();
+        EXPECT_NEAR(f.x(), screen.x() + (screen.width() - f.width()) / 2, 1);
+        EXPECT_NEAR(f.y(), screen.y() + (screen.height() - f.height()) / 2, 1);
+    };
+    centred();
+    w->move(3, 5);
+    w->resize(600, 400);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(w->size(), QSize(600, 400));
+    centred();
+    ASSERT_TRUE(act(u"采购订单"_s)->isEnabled() && button(3)->isEnabled());
+    Mainfrm::setCommandHandler(Mainfrm::cmd采购订单, {});
+    EXPECT_FALSE(act(u"采购订单"_s)->isEnabled() || button(3)->isEnabled());
+}
+
+// 打印机 makes the printer chosen the default one; a cancelled dialog changes nothing.
+TEST_F(FrameTest, PrinterMakesTheChosenPrinterTheDefault) {
+    std::vector<QStringList> started;
+    Mainfrm::setStarter([&](const QString& p, const QStringList& a) {
+        started.push_back(QStringList{p} + a);
+        return true;
+    });
+    QString choice = u"Office_Laser"_s;
+    Mainfrm::setPrinterDialog([&] { return choice; });
+    act(u"打印机"_s)->trigger();
+    ASSERT_EQ(started.size(), 1u);
+    EXPECT_TRUE(started[0].contains(u"Office_Laser"_s)) << started[0].join(u' ').toStdString();
+    choice.clear();
+    act(u"打印机"_s)->trigger();
+    EXPECT_EQ(started.size(), 1u);
+}
+
+// The right-button popup, driven by keys: ids count separators (a blanked dash is one
+// too), the caption comes back trimmed, and 0 with no caption when it is dismissed.
+TEST(MenuTest, RealPopupAtTheMouse) {
+    const QStringList items = {u"修改"_s, u"-"_s, u"删除"_s, u" - "_s, u"  打印  "_s};
+    QWidget owner;
+    owner.show();
+    QApplication::setActiveWindow(&owner);
+    const std::tuple<std::vector<Qt::Key>, int, const char*> cases[] = {
+        {{Qt::Key_Escape}, 0, ""},
+        {{Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}, 3, "删除"},
+        {{Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}, 5, "打印"},
+    };
+    for (const auto& [keys, id, caption] : cases) {
+        ModalScript script;
+        script.when([] { return QApplication::activePopupWidget() != nullptr; },
+                    [&keys] {
+                        for (Qt::Key k : keys)
+                            QTest::keyClick(QApplication::activePopupWidget(), k);
+                    });
+        Menu m;
+        EXPECT_EQ(m.rightMenu(items), id);
+        EXPECT_EQ(m.SelMenuString(), QString::fromUtf8(caption));
+    }
+}
+
 TEST_F(FrameTest, TheEntryFormsAltKeysWinOverTheMenuLetters) {
     openEntry();
     // N: the next record (the form's key preview), not 书目验收.
@@ -80,7 +186,6 @@ TEST_F(FrameTest, TheEntryFormsAltKeysWinOverTheMenuLetters) {
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
     EXPECT_EQ(frame().ctl<QMenuBar>(u"MenuBar"_s)->activeAction(), nullptr);
     EXPECT_GT(entry().cgkIDs(), 0);
-    EXPECT_EQ(entry().caption(), u"采购定单-%1"_s.arg(entry().cgkIDs()));
     // D: 查找, the query builder for orders, not 系统管理.
     bool found = false;
     whileModal(
@@ -223,18 +328,16 @@ TEST_F(FrameTest, EveryCommandOpensItsFormOnceInItsMode) {
             EXPECT_TRUE(w->isHidden() || f->window()->rect().contains(w->geometry()))
                 << w->objectName().toStdString();
         f->window()->setProperty("seenBefore", true);
-        const bool gys = c.command == Mainfrm::cmd采购来源定义; // suppliers narrowed by a query
-        if (gys) vb::form<cgGYSfrm>().loadGridData(u" Where pubplace='北京'"_s, QString());
-        const int rows = gys ? vb::form<cgGYSfrm>().Grid1()->Rows() : 0;
+        if (c.command == Mainfrm::cmd采购来源定义) // the suppliers a query narrowed stay so
+            vb::form<cgGYSfrm>().loadGridData(u" Where pubplace='北京'"_s, QString());
         const auto count = mdi()->subWindowList().size();
         run(true);
         EXPECT_EQ(mdi()->subWindowList().size(), count);
         EXPECT_EQ(mdi()->activeSubWindow()->widget(), f->window());
         EXPECT_TRUE(f->window()->property("seenBefore").toBool()); // not unloaded meanwhile
         EXPECT_EQ(f->window()->size(), opened);
-        if (gys) {
+        if (c.command == Mainfrm::cmd采购来源定义) {
             EXPECT_EQ(vb::form<cgGYSfrm>().lastCond, u" Where pubplace='北京'"_s);
-            EXPECT_EQ(vb::form<cgGYSfrm>().Grid1()->Rows(), rows);
         }
     }
     // F2 reaches the classification help too; the face of the drop-down does nothing.
@@ -247,7 +350,6 @@ TEST_F(FrameTest, EveryCommandOpensItsFormOnceInItsMode) {
     settle();
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     EXPECT_EQ(mdi()->subWindowList().size(), count);
-    EXPECT_EQ(toolbarMenu->actions()[1]->text(), u"采购日期"_s);
 }
 
 // 采购订单 opens the entry form at its design size, wholly visible; run again it starts
@@ -256,7 +358,6 @@ TEST_F(FrameTest, EveryCommandOpensItsFormOnceInItsMode) {
 TEST_F(FrameTest, PurchaseOrderCommandOpensAFreshFormWhollyVisible) {
     const QString rows = q(u"select count(*) from cgk"_s);
     openEntry();
-    EXPECT_EQ(entry().caption(), u"采购订单"_s);
     QMdiSubWindow* sub = mdi()->activeSubWindow();
     ASSERT_TRUE(sub && sub->widget() == entry().window());
     // Laid out at 12000 x 5700 twips, not collapsed.

@@ -12,6 +12,7 @@
 
 #include <deque>
 #include <functional>
+#include <utility>
 
 class ModalScript {
 public:
@@ -20,10 +21,7 @@ public:
         QObject::connect(&m_timer, &QTimer::timeout, [this] { tick(); });
         m_timer.start(5);
     }
-    ~ModalScript() {
-        m_timer.stop();
-        EXPECT_TRUE(m_steps.empty()) << m_steps.size() << " modal step(s) never came due";
-    }
+    ~ModalScript() { EXPECT_TRUE(done()) << m_steps.size() << " modal step(s) never came due"; }
 
     // When form F stands modally on the screen, run act on it.
     template <class F> ModalScript& on(std::function<void(F&)> act) {
@@ -42,10 +40,6 @@ public:
     bool done() const { return m_steps.empty(); }
 
 private:
-    struct Step {
-        std::function<bool()> ready;
-        std::function<void()> act;
-    };
     void tick() {
         if (m_steps.empty() || m_busy) return;
         if (m_clock.elapsed() > m_timeoutMs) {
@@ -54,19 +48,18 @@ private:
             vb::FormRegistry::quitModalLoops();
             return;
         }
-        if (!m_steps.front().ready()) return;
-        auto act = m_steps.front().act;
-        m_steps.pop_front();
+        if (!m_steps.front().first()) return;
         m_busy = true;
-        QTimer::singleShot(0, [this, act] {
+        QTimer::singleShot(0, [this, act = m_steps.front().second] {
             m_busy = false;
             act();
         });
+        m_steps.pop_front();
     }
 
     QTimer m_timer;
     QElapsedTimer m_clock;
-    std::deque<Step> m_steps;
+    std::deque<std::pair<std::function<bool()>, std::function<void()>>> m_steps; // ready, act
     int m_timeoutMs;
     bool m_busy = false;
 };

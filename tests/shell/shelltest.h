@@ -1,6 +1,6 @@
 #pragma once
-// What the shell's tests share: clean process-wide strings, clicks as a user makes them,
-// the last box as one comparable value.
+// What the shell's tests share: clean process-wide strings and a profile that cannot
+// connect.
 
 #include "data/globals.h"
 #include "platform/errors.h"
@@ -9,13 +9,10 @@
 #include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
-
-#include <tuple>
 
 using testsupport::boxes;
 using namespace Qt::StringLiterals;
@@ -28,17 +25,6 @@ inline void resetGlobals() {
     gDatabase.clear();
     gUserName.clear();
     gLoginName.clear();
-}
-
-// A real mouse click, delivered through the application (where an escaping error and the
-// recorded process end are caught, as in the client).
-inline void click(QAbstractButton* b) {
-    QTest::mouseClick(b, Qt::LeftButton);
-}
-
-// Prompt, flags and title of the last box shown.
-inline std::tuple<QString, int, QString> lastBox() {
-    return {boxes().last().prompt, boxes().last().flags, boxes().last().title};
 }
 
 // An ODBC profile nothing can connect through.

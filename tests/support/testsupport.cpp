@@ -7,7 +7,6 @@
 #include "platform/runtime.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QPushButton>
@@ -15,11 +14,12 @@
 
 #include <sqlite3.h>
 
+#include <optional>
+
 namespace testsupport {
 
 vb::ScriptedMsgBox& boxes() {
-    // testmain installs one provider for the run; reach it through a fresh install when
-    // a test binary has its own main.
+    // Installed on first use, by testmain for the run or by a test binary with its own main.
     static std::shared_ptr<vb::ScriptedMsgBox> box = [] {
         auto b = std::make_shared<vb::ScriptedMsgBox>();
         vb::setMsgBoxProvider(b);
@@ -36,49 +36,34 @@ QString compatModule() {
     return QStringLiteral(ORVANE_COMPAT_MODULE);
 }
 
-QString sqliteProfile(const QString& dbPath) {
+// An ADO profile for a SQLite file through the SQLite3 ODBC driver and the extension.
+static QString sqliteProfile(const QString& dbPath) {
     return QStringLiteral("PROVIDER=MSDASQL;Driver=SQLite3;Database=%1;LoadExt=%2;")
         .arg(dbPath, compatModule());
 }
 
-namespace {
-sqlite3* openDb(const QString& path) {
-    sqlite3* db = nullptr;
-    if (sqlite3_open(path.toUtf8().constData(), &db) != SQLITE_OK) {
-        ADD_FAILURE() << "cannot open " << path.toStdString() << ": " << sqlite3_errmsg(db);
-        sqlite3_close(db);
-        return nullptr;
-    }
-    orvane_compat_register(db);
-    return db;
-}
-} // namespace
-
-void execSqlite(const QString& dbPath, const QString& sql) {
-    sqlite3* db = openDb(dbPath);
-    if (!db) return;
-    char* err = nullptr;
-    if (sqlite3_exec(db, sql.toUtf8().constData(), nullptr, nullptr, &err) != SQLITE_OK) {
-        ADD_FAILURE() << "sqlite: " << (err ? err : "?") << " in " << sql.toStdString();
-        sqlite3_free(err);
-    }
-    sqlite3_close(db);
-}
-
 QString querySqlite(const QString& dbPath, const QString& sql) {
-    sqlite3* db = openDb(dbPath);
-    if (!db) return QString();
-    sqlite3_stmt* st = nullptr;
-    QString out;
-    if (sqlite3_prepare_v2(db, sql.toUtf8().constData(), -1, &st, nullptr) != SQLITE_OK) {
-        ADD_FAILURE() << "sqlite: " << sqlite3_errmsg(db) << " in " << sql.toStdString();
-    } else if (sqlite3_step(st) == SQLITE_ROW) {
-        const unsigned char* t = sqlite3_column_text(st, 0);
-        out = t ? QString::fromUtf8(reinterpret_cast<const char*>(t)) : QString();
+    std::optional<QString> first;
+    auto take = [](void* out, int, char** values, char**) {
+        auto* row = static_cast<std::optional<QString>*>(out);
+        if (!*row) *row = values[0] ? QString::fromUtf8(values[0]) : QString();
+        return 0;
+    };
+    sqlite3* db = nullptr;
+    char* err = nullptr;
+    if (sqlite3_open(dbPath.toUtf8().constData(), &db) != SQLITE_OK) {
+        ADD_FAILURE() << "cannot open " << dbPath.toStdString() << ": " << sqlite3_errmsg(db);
+    } else {
+        orvane_compat_register(db);
+        if (sqlite3_exec(db, sql.toUtf8().constData(), take, &first, &err) != SQLITE_OK)
+            ADD_FAILURE() << "sqlite: " << (err ? err : "?") << " in " << sql.toStdString();
     }
-    sqlite3_finalize(st);
+    sqlite3_free(err);
     sqlite3_close(db);
-    return out;
+    return first.value_or(QString());
+}
+void execSqlite(const QString& dbPath, const QString& sql) {
+    querySqlite(dbPath, sql);
 }
 
 void settle() {

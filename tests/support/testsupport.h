@@ -30,8 +30,6 @@ int processEnds();
 
 // Path of the loadable compat extension the ODBC driver takes with LoadExt=.
 QString compatModule();
-// An ADO profile for a SQLite file through the SQLite3 ODBC driver and the extension.
-QString sqliteProfile(const QString& dbPath);
 
 // Runs statements directly on a SQLite file (with the compat functions registered), for
 // fixtures that need tables the database tool does not make. Fails the test on error.
