@@ -253,7 +253,10 @@ TEST_F(CaiGouForm, ArrowsAddAndCloseAskBeforeLeavingAChangeAndArrowsStepPastTheE
     f().Text1(2)->setText(QStringLiteral("改了"));
     boxes().answer(vb::vbNo);
     ModalScript script;
-    script.on<loadCheckDatafrm>([](loadCheckDatafrm& d) { d.Command1(3)->click(); });
+    script.on<loadCheckDatafrm>([](loadCheckDatafrm& d) {
+        EXPECT_TRUE(d.Option1(1)->isChecked()); // by ISBN first
+        d.Command1(3)->click();
+    });
     f().Command2(0)->click();
     EXPECT_EQ(boxes().prompts(), QStringList{kAskSave});
     EXPECT_EQ(f().addType, caigou::addEditing);
@@ -284,12 +287,19 @@ TEST_F(CaiGouForm, PickListAndUnknownSourceThroughTheSupplierForm) {
         list().Unload();
     }
 
-    // Esc keeps the text; a click or Enter picks.
+    // Esc and focus loss keep the text; a click or Space picks.
     f().Text1(2)->setText(QStringLiteral("原值"));
     drop(5);
     QTest::keyClick(list().Grid1(), Qt::Key_Escape);
     EXPECT_FALSE(list().isLoaded());
+    drop(3);
+    list().Grid1()->clearFocus();
+    settle();
+    EXPECT_FALSE(list().isLoaded());
     EXPECT_EQ(f().Text1(2)->text(), QStringLiteral("原值"));
+    drop(5);
+    QTest::keyClick(list().Grid1(), Qt::Key_Space);
+    EXPECT_EQ(f().Text1(2)->text(), QStringLiteral("第1项"));
 
     drop(3);
     g = list().Grid1();
@@ -299,6 +309,21 @@ TEST_F(CaiGouForm, PickListAndUnknownSourceThroughTheSupplierForm) {
     settle();
     EXPECT_EQ(f().Text1(2)->text(), QStringLiteral("第2项"));
     EXPECT_FALSE(list().isLoaded());
+    // The selection follows the mouse, held on the last row; scrolled, the top row counts in.
+    drop(2);
+    const int rowTw = list().Grid1()->RowHeight(1);
+    const int top = vb::toTwips(list().Grid1()->frameWidth());
+    list().Grid1_MouseMove(0, 0, 0, top + rowTw + 10);
+    EXPECT_EQ(list().listRow(), 1);
+    EXPECT_EQ(list().Grid1()->RowSel(), list().Grid1()->Row());
+    list().Grid1_MouseMove(0, 0, 0, rowTw * 20);
+    EXPECT_EQ(list().listRow(), 1);
+    list().Unload();
+    drop(5);
+    list().Grid1()->setTopRow(3);
+    list().Grid1_MouseMove(0, 0, 0, top + 10);
+    EXPECT_EQ(list().listRow(), list().Grid1()->TopRow() - 1);
+    EXPECT_GT(list().listRow(), 0);
 
     // The pick list drops down only while adding or editing; a pick is a change the rules
     // see only when the field is left.
