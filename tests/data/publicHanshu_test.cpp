@@ -9,26 +9,21 @@ namespace {
 
 class ServerDate : public testsupport::DbTest {};
 
-TEST_F(ServerDate, ComesFromTheServerWithItsTime) {
+TEST_F(ServerDate, ComesFromTheServerOrWithABoxFromTheLocalClock) {
     gConnStr = makeDatabase();
     const QDateTime before = QDateTime::currentDateTime().addSecs(-5);
     const QDateTime d = serverDate();
-    EXPECT_TRUE(d.isValid());
     EXPECT_GE(d, before);
     EXPECT_LE(d, QDateTime::currentDateTime().addSecs(5));
     EXPECT_TRUE(testsupport::boxes().calls().empty());
-}
 
-TEST_F(ServerDate, UnreachableServerReportsAndGivesTheLocalTime) {
     gConnStr = QStringLiteral("PROVIDER=MSDASQL;DSN=orvane_no_such_source;UID=a;PWD=b;");
-    const QDateTime d = serverDate();
-    EXPECT_LE(qAbs(d.secsTo(QDateTime::currentDateTime())), 5);
+    const QDateTime local = serverDate();
+    EXPECT_LE(qAbs(local.secsTo(QDateTime::currentDateTime())), 5);
     ASSERT_EQ(testsupport::boxes().calls().size(), 1u);
-    const auto& box = testsupport::boxes().last();
-    EXPECT_TRUE(box.prompt.startsWith(QStringLiteral("获取服务器日期时出现错误！原因如下：\r\n")));
-    EXPECT_GT(box.prompt.size(), QStringLiteral("获取服务器日期时出现错误！原因如下：\r\n").size());
-    EXPECT_EQ(box.flags, 64);
-    EXPECT_EQ(box.title, QStringLiteral("操作提示"));
+    const QString head = QStringLiteral("获取服务器日期时出现错误！原因如下：\r\n");
+    EXPECT_TRUE(testsupport::boxes().last().prompt.startsWith(head));
+    EXPECT_GT(testsupport::boxes().last().prompt.size(), head.size()); // the reason follows
 }
 
 TEST(FieldKind, ByTheChineseNameExactly) {
