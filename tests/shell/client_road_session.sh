@@ -17,11 +17,12 @@ trap 'kill "$client" 2>/dev/null; wait "$client" 2>/dev/null || true' EXIT
 keys() { "$bin/orvane-xkeys" "$@"; }
 shot() { "$bin/orvane-xshot" "$out/$1.png" --crop --timeout 20; }
 # Saves the title's row as NAME.txt once it stands at STATUS (polled, for up to 10 s).
+# The client may be writing when we look: wait for its lock, and look again if it held on.
 row() {
   local i
   for i in $(seq 100); do
-    sqlite3 -cmd ".load $bin/liborvane_sqlite_compat.so" "$db" \
-      "select * from cgk where isbn='7-302-12345-4' and status=$2" >"$out/$1.txt"
+    sqlite3 -cmd ".timeout 2000" -cmd ".load $bin/liborvane_sqlite_compat.so" "$db" \
+      "select * from cgk where isbn='7-302-12345-4' and status=$2" >"$out/$1.txt" || true
     [ -s "$out/$1.txt" ] && return 0
     sleep 0.1
   done
