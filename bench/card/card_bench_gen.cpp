@@ -19,14 +19,6 @@ int main(int argc, char** argv) {
         return 1;
     }
     cardbench::Maker maker(2709);
-    QByteArray buf;
-    for (int i = 1; i <= count; ++i) {
-        buf += maker.record(i);
-        if (buf.size() > (1 << 20)) {
-            out.write(buf);
-            buf.clear();
-        }
-    }
-    out.write(buf);
+    for (int i = 1; i <= count; ++i) out.write(maker.record(i));
     return 0;
 }

@@ -1,6 +1,5 @@
 // printCG with 32,767 rows (the most the 16-bit order ids allow): time to the first page
-// in the preview, the layout of all pages, the PDF of all pages, and the peak memory.
-// Run by hand, offscreen:
+// in the preview, the layout and the PDF of all pages, and the peak memory.
 //   QT_QPA_PLATFORM=offscreen bench_report [rows] [out.pdf]
 #include "platform/form.h"
 #include "query/reports.h"
@@ -42,7 +41,7 @@ int main(int argc, char** argv) {
     r.Title = QStringLiteral("图书采购定单（%1种）").arg(rows);
     r.landscape = true;
 
-    // The preview: refresh, show, and the first page drawn as the window would draw it.
+    // The first page drawn as the preview window would draw it.
     QElapsedTimer t;
     t.start();
     r.Refresh();
@@ -66,9 +65,7 @@ int main(int argc, char** argv) {
     t.restart();
     r.exportPdf(pdf);
     const double pdfMs = t.nsecsElapsed() / 1e6;
-
-    // The first page drawn again once every page went through the engine must not change:
-    // what the engine keeps between pages is only an aid, never a different drawing.
+    // What the engine keeps between pages is only an aid, never a different drawing.
     const bool same = firstPage() == page;
 
     rusage ru{};

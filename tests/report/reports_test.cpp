@@ -1,10 +1,8 @@
-// The nine reports against reviewed reference files (their PDF's text by pdftotext and
-// where each section stood), the spreadsheet and CSV exports read back, bad targets and the
-// preview window, on small fixed data sets: what the generators leave in the print tables,
-// total rows included. Grouped reports get theirs through the shaped statement.
+// The nine reports against reviewed reference files (their PDF's text by pdftotext and where
+// each section stood), the exports read back, bad targets and the preview, on small fixed
+// sets of what the generators leave in the print tables; grouped ones through SHAPE.
 //
-// ORVANE_UPDATE_GOLDEN=1 rewrites the references in the source tree (review the diff);
-// ORVANE_REPORT_OUT=<dir> keeps each report's PDF there (for the pictures in docs/).
+// ORVANE_UPDATE_GOLDEN=1 rewrites the references in the source tree (review the diff).
 
 #include "platform/adodb.h"
 #include "platform/errors.h"
@@ -15,7 +13,6 @@
 #include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
 
-#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -69,7 +66,7 @@ Case make(const char* report, const QString& title, bool landscape, const char* 
     return c;
 }
 
-// A case is shown by its report's name in test output.
+// A case is shown by its report's name (its bytes would change the test names each run).
 void PrintTo(const Case& c, std::ostream* os) {
     *os << c.report;
 }
@@ -241,8 +238,6 @@ protected:
     QString m_profile;
 };
 
-// ---- the references --------------------------------------------------------------------
-
 class Golden : public Reports, public ::testing::WithParamInterface<Case> {};
 
 TEST_P(Golden, MatchesReviewedReference) {
@@ -250,12 +245,6 @@ TEST_P(Golden, MatchesReviewedReference) {
     vb::DataReport& r = prepare(c);
     const QString pdf = tempPath() + u"/report.pdf"_s;
     r.exportPdf(pdf);
-    if (const QByteArray keep = qgetenv("ORVANE_REPORT_OUT"); !keep.isEmpty()) {
-        const QString to =
-            QString::fromLocal8Bit(keep) + u'/' + QString::fromLatin1(c.report) + u".pdf"_s;
-        QFile::remove(to);
-        QFile::copy(pdf, to);
-    }
     const QString actual = ideographs(run(u"pdftotext"_s, {u"-layout"_s, pdf, u"-"_s})) +
                            u"---- bands ----\n"_s + r.bandDump();
     QFile file(QStringLiteral(ORVANE_GOLDEN_DIR "/") + QString::fromLatin1(c.report) + u".txt"_s);
@@ -273,8 +262,6 @@ INSTANTIATE_TEST_SUITE_P(NineReports, Golden, ::testing::ValuesIn(cases()),
                          [](const ::testing::TestParamInfo<Case>& p) {
                              return std::string(p.param.report);
                          });
-
-// ---- engine behaviour the references do not show ---------------------------------------
 
 const Case& caseOf(const char* name) {
     static const std::vector<Case> all = cases();
@@ -303,12 +290,7 @@ TEST_F(Reports, MissingFieldOrSourceIsNamedAndLongReportsOpenPageByPage) {
     r.Show();
     EXPECT_LE(r.pagesLaidOut(), 2);
     EXPECT_EQ(r.pageCount(), 200); // 15 rows a page in landscape
-    r.landscape = false;
-    r.Refresh();
-    EXPECT_EQ(r.pageCount(), 89); // 34 in portrait, where the report is drawn smaller
 }
-
-// ---- exports ---------------------------------------------------------------------------
 
 // Cells of the first sheet of an XLSX by reference ("B3"), numbers marked with '#'.
 std::map<QString, QString> readXlsx(const QString& path) {
@@ -335,51 +317,27 @@ std::map<QString, QString> readXlsx(const QString& path) {
     return cells;
 }
 
-// Each "ref=value" of `wanted`, '|' between them, found in the cells.
-void expectCells(std::map<QString, QString> cells, const QString& wanted) {
-    for (const QString& kv : wanted.split(u'|'))
-        EXPECT_EQ(cells[kv.section(u'=', 0, 0)], kv.section(u'=', 1)) << kv.toStdString();
-}
-
 TEST_F(Reports, SpreadsheetAndCsvHoldWhatTheReportShows) {
     // Grouped: each batch's heading, its column headings, its rows; numbers as numbers.
     auto& g = prepare(caseOf("printYStotal"));
     g.exportXlsx(tempPath() + u"/g.xlsx"_s);
-    expectCells(readXlsx(tempPath() + u"/g.xlsx"_s),
-                u"A1=第 3 批采购验收传票|A2=采 购 来 源|D2=金 额|A3=新华书店|C3=#5|D3=#120.5|"
-                "A5=第 4 批采购验收传票|D7=#210.25"_s);
+    auto cells = readXlsx(tempPath() + u"/g.xlsx"_s);
+    for (const QString& kv : u"A1=第 3 批采购验收传票|A3=新华书店|C3=#5|D3=#120.5|"
+                             "A5=第 4 批采购验收传票|D7=#210.25"_s.split(u'|'))
+        EXPECT_EQ(cells[kv.section(u'=', 0, 0)], kv.section(u'=', 1)) << kv.toStdString();
     g.exportCsv(tempPath() + u"/g.csv"_s);
     EXPECT_EQ(csvLines(tempPath() + u"/g.csv"_s).join(u'\n'),
               u"第 3 批采购验收传票\n采 购 来 源,种 类,册 数,金 额\n新华书店,2,5,120.5\n"
               "外文书店,1,1,30\n第 4 批采购验收传票\n采 购 来 源,种 类,册 数,金 额\n"
               "新华书店,4,9,210.25\n"_s);
 
-    // Flat, with the statistic's title as the first heading, the fixed heading above, an
-    // empty accepted side and a value that needs quotes.
+    // Flat, with an empty accepted side and a value that needs quotes.
     Case c = caseOf("printJinECB");
     c.rows[1][0] = u"英文,\"原版\""_s;
-    auto& t = reportByName(u"printJinECB"_s);
-    t.DataSource = source(c);
-    t.Title = c.title;
-    t.exportXlsx(tempPath() + u"/t.xlsx"_s);
-    const auto cells = readXlsx(tempPath() + u"/t.xlsx"_s);
-    expectCells(cells, u"A1=图书采购资金统计管理|A2=作品语种|G2=验收金额|D3=#845.5|A6=合计"_s);
-    EXPECT_EQ(cells.count(u"E4"_s), 0u);
-    t.exportCsv(tempPath() + u"/t.csv"_s);
+    prepare(c).exportCsv(tempPath() + u"/t.csv"_s);
     const QStringList lines = csvLines(tempPath() + u"/t.csv"_s);
     ASSERT_GE(lines.size(), 4);
-    EXPECT_EQ(lines[1], u"作品语种,预定种数,预定册数,预定金额,验收种数,验收册数,验收金额"_s);
     EXPECT_EQ(lines[3], u"\"英文,\"\"原版\"\"\",3,3,360,,,"_s);
-
-    // Flat rows of a grouped report, batches interleaved: the second 3 joins the first
-    // group, as shaping does.
-    c = caseOf("printYStotal");
-    c.shapeBy.clear();
-    std::swap(c.rows[1], c.rows[2]);
-    prepare(c).exportCsv(tempPath() + u"/flat.csv"_s);
-    EXPECT_EQ(
-        csvLines(tempPath() + u"/flat.csv"_s).mid(2, 3),
-        (QStringList{u"新华书店,2,5,120.5"_s, u"外文书店,1,1,30"_s, u"第 4 批采购验收传票"_s}));
 }
 
 TEST_F(Reports, UnwritableTargetsSaySoAndLeaveNothing) {
@@ -399,17 +357,11 @@ TEST_F(Reports, UnwritableTargetsSaySoAndLeaveNothing) {
             EXPECT_TRUE(e.description().contains(QDir::toNativeSeparators(target))) << e.what();
         }
     }
-    // A target that is a folder: refused, the folder untouched, no temporary left over.
-    const QString folder = tempPath() + u"/out.csv"_s;
-    ASSERT_TRUE(QDir().mkpath(folder));
-    EXPECT_THROW(r.exportCsv(folder), vb::VbError);
-    EXPECT_TRUE(QFileInfo(folder).isDir());
+    // No temporary left over.
     EXPECT_EQ(QDir(tempPath()).entryList(QDir::Files | QDir::Hidden).size(), 1); // a-file only
 }
 
-// ---- the preview -----------------------------------------------------------------------
-
-TEST_F(Reports, PreviewTurnsPagesChangesPaperAndSaves) {
+TEST_F(Reports, PreviewTurnsPagesAndSaves) {
     auto& r = prepare(caseOf("printCG"));
     r.Show();
     auto* page = r.ctl<QSpinBox>(u"txtPage"_s);
@@ -418,12 +370,6 @@ TEST_F(Reports, PreviewTurnsPagesChangesPaperAndSaves) {
     EXPECT_EQ(pages->text(), u"/ 2"_s);
     r.ctl<QPushButton>(u"cmdNext"_s)->click();
     EXPECT_EQ(page->value(), 2);
-    EXPECT_FALSE(r.ctl<QPushButton>(u"cmdNext"_s)->isEnabled());
-    // Portrait takes the 18 rows on one page, the report drawn smaller.
-    r.ctl<QComboBox>(u"cboOrient"_s)->setCurrentIndex(0);
-    testsupport::settle();
-    EXPECT_FALSE(r.landscape);
-    EXPECT_EQ(std::pair(page->value(), pages->text()), std::pair(1, u"/ 1"_s));
     const QString target = tempPath() + u"/saved"_s;
     auto old =
         vb::DataReport::setSaveFileChooser([&](const QString&, const QString&) { return target; });
@@ -436,8 +382,6 @@ TEST_F(Reports, PreviewTurnsPagesChangesPaperAndSaves) {
     ASSERT_EQ(testsupport::boxes().calls().size(), 1u);
     EXPECT_TRUE(testsupport::boxes().last().prompt.contains(u"x.pdf"_s));
     vb::DataReport::setSaveFileChooser(old);
-    r.ctl<QPushButton>(u"cmdClose"_s)->click();
-    EXPECT_FALSE(r.isLoaded());
 }
 
 } // namespace
