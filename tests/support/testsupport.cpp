@@ -32,14 +32,10 @@ int processEnds() {
     return App::endCount();
 }
 
-QString compatModule() {
-    return QStringLiteral(ORVANE_COMPAT_MODULE);
-}
-
-// An ADO profile for a SQLite file through the SQLite3 ODBC driver and the extension.
+// An ADO profile for a SQLite file through the SQLite3 ODBC driver and our extension.
 static QString sqliteProfile(const QString& dbPath) {
     return QStringLiteral("PROVIDER=MSDASQL;Driver=SQLite3;Database=%1;LoadExt=%2;")
-        .arg(dbPath, compatModule());
+        .arg(dbPath, QStringLiteral(ORVANE_COMPAT_MODULE));
 }
 
 QString querySqlite(const QString& dbPath, const QString& sql) {
@@ -113,13 +109,6 @@ void DbTest::SetUp() {
 
 void DbTest::TearDown() {
     m_dir.reset();
-}
-
-QString DbTest::makeEmptyDatabase() {
-    m_dbPath = m_dir->path() + QStringLiteral("/empty.db");
-    execSqlite(m_dbPath, QStringLiteral("PRAGMA user_version=1"));
-    m_profile = sqliteProfile(m_dbPath);
-    return m_profile;
 }
 
 QString DbTest::makeDatabase(bool demo) {

@@ -28,9 +28,6 @@ vb::ScriptedMsgBox& boxes();
 // How many times App::end ran since the test began.
 int processEnds();
 
-// Path of the loadable compat extension the ODBC driver takes with LoadExt=.
-QString compatModule();
-
 // Runs statements directly on a SQLite file (with the compat functions registered), for
 // fixtures that need tables the database tool does not make. Fails the test on error.
 void execSqlite(const QString& dbPath, const QString& sql);
@@ -60,8 +57,6 @@ protected:
     // A fresh database made by the database tool (with demo rows when asked), stored as
     // the connection profile; returns the profile.
     QString makeDatabase(bool demo = false);
-    // An empty SQLite file with the compat functions, and its profile.
-    QString makeEmptyDatabase();
     QString dbPath() const { return m_dbPath; }
     QString profile() const { return m_profile; }
     QString tempPath() const { return m_dir ? m_dir->path() : QString(); }
