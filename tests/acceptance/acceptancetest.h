@@ -15,7 +15,6 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <QFile>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -176,11 +175,5 @@ protected:
                                 "UPDATE fault SET n=n-1; SELECT RAISE(ABORT,'injected fault') "
                                 "WHERE (SELECT n FROM fault)=0; END")
                      .arg(QString::fromLatin1(when).left(1).toLower(), QString::fromLatin1(when)));
-    }
-    // Keeps and brings back the database file between runs of a save.
-    void keep() { ASSERT_TRUE(QFile::copy(dbPath(), dbPath() + QStringLiteral(".kept"))); }
-    void restore() {
-        QFile::remove(dbPath());
-        ASSERT_TRUE(QFile::copy(dbPath() + QStringLiteral(".kept"), dbPath()));
     }
 };

@@ -48,15 +48,13 @@ INSTANTIATE_TEST_SUITE_P(
         // 111+5·2 = 121, mod 11 = 0, 11-0 = 11: 0.
         CheckCase{u"7-302-00005-0", kYes},
         CheckCase{u"7-302-00000-x", kCheck}, // lower-case x is a wrong check character
-        CheckCase{u"7-5000-1234-5", kCheck}, CheckCase{u"7-5000-1234-0", kCheck},
-        CheckCase{u"7500012349", kLength}, CheckCase{u"7-5000-1234-95", kLength},
-        CheckCase{u"", kLength}, CheckCase{u"7-50001234-99", kFourParts},
-        CheckCase{u"7-5-00-1234-9", kFourParts},
+        CheckCase{u"7-5000-1234-5", kCheck}, CheckCase{u"7500012349", kLength},
+        CheckCase{u"7-5000-1234-95", kLength}, CheckCase{u"", kLength},
+        CheckCase{u"7-50001234-99", kFourParts},
         CheckCase{u"7--50001234-5", segments({u"第二段:出版商代号不能为空！"})},
         CheckCase{u"7-50a0-12b4-5",
                   segments({u"第二段:出版商代号只能为数字！", u"第三段:图书号只能为数字！"})},
         CheckCase{u"-75000-1234-5", segments({u"第一段:国家、区域或语言集号不能为空！"})},
-        CheckCase{u"a-5000-1234-5", segments({u"第一段:国家、区域或语言集号只能为数字！"})},
         CheckCase{u"7-5000-12345-", segments({u"第四段:校验位不能为空！"})},
         CheckCase{u"7-5000-123-45", segments({u"第四段:校验位只应为一位字符！"})},
         CheckCase{u"7-5000--12345",
@@ -73,7 +71,6 @@ TEST_F(FormatIsbn, ShortestKnownPrefixSplitsTheNumberAndTheCheckIsRecomputed) {
     const char* cases[][2] = {
         {"7500012340", "7-5000-1234-9"},    // typed check character dropped
         {"9787500012345", "7-5000-1234-9"}, // 978 and the EAN digit dropped
-        {"1237500012345", "7-5000-1234-9"}, // whatever the first three digits are
         {"7 500 012 340", "7-5000-1234-9"}, // blanks go first
         {"7302000001", "7-302-00000-X"},
         {"7505412345", "7505412345"},       // no prefix known: bare
