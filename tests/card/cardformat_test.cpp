@@ -1,7 +1,5 @@
 // The field formatters, one table of fields and the card text each gives, past what the
-// worked card already shows. Fields are written with ␟ and ␞; the results keep the ␞
-// where the last value carries it. That a formatter consumes its field shows only
-// through the 686 of the card (CardLayout.Class686Numbered).
+// worked card already shows; the results keep the ␞ where the last value carries it.
 
 #include "cardrecords.h"
 
@@ -44,65 +42,39 @@ TEST(CardFormatter, GivesTheCardText) {
         // clang-format off
     // 010: "ISBN " on each number, $z on a line of its own, ASCII colon before the price.
         {"010", "␟a甲␟z乙␟dCNY5␞", "ISBN 甲\r\n  无效的ISBN:乙:CNY5␞"},
-        {"010", "␟z乙␞", "无效的ISBN:乙␞"},
         {"010", "␟b平装␟a甲␞", "（平装）\r\n  ISBN 甲␞"},
-        {"010", "␟a甲␟a乙␞", "ISBN 甲\r\n  ISBN 乙␞"},
         {"010", "␟A甲␞", ""},
     // 200: field order, its marks, and the two ways of a responsibility without a title.
         {"200", "␟f王小明著␟g李华译␞", "李华译␞", 2},
         {"200", "␟g李华译␟f王小明著␞", "李华译／王小明著␞", 1},
-        {"200", "␟f甲␟f乙␟a题␞", "题␞", 2},
         {"200", "␟a甲␟a乙␟c丙␟d丁␟h戊␟i己␟v庚␞", "甲，乙，丙＝丁·戊，己．庚␞"},
         {"200", "␟e副题␟a正题␞", "副题，正题␞"},
         {"200", "␟a  甲书  ␟b电子资源␞", "甲书"}, // $b is not one of its codes
-        {"200", "␟a甲 ␞", "甲 ␞"},
         {"200", "␟a  ␞", "␞"},
-        {"200", "␟a   ", ""},
     // 205: only $a and $f, the ASCII comma, a lone $f is lost.
         {"205", "␟a第1版␟a第2版␞", "·—第2版␞"},
         {"205", "␟f甲␟a第2版␟f乙␞", "·—第2版,甲；乙␞"},
         {"205", "␟f张三修订␞", ""},
-    // 206, 207, 208.
         {"206", "␟a甲␟a乙␞", "·—甲、乙␞"},
-        {"206", "␟a  甲␞", "·—甲␞"},
-        {"206", "␟b甲␞", ""},
         {"207", "␟a甲␟a乙␞", "·—乙␞"},
-        {"207", "␟b甲␞", ""},
         {"208", "␟a甲␟d乙␟d丙␞", "·—甲=乙=丙␞"},
         {"208", "␟d甲␞", ""},
-        {"208", "␟a甲␞", "·—甲␞"},
     // 210: the bracket of $b opens full-width and closes ASCII; printing in brackets.
         {"210", "␟a北京␟e上海␟h工厂␞", "·—北京（上海，工厂␞）"},
         {"210", "␟c出版社␟b地址␟a北京␟a上海␞", "·—：出版社（地址)；北京；上海␞"},
         {"210", "␟b地址␞", "·—（地址␞)"},
         {"210", "␟d2001␟e甲␟f乙␟g丙␟h丁␟e戊␞", "·—，2001（甲,乙：丙，丁；戊␞）"},
-        {"210", "␟e印刷厂␞", "·—（印刷厂␞）"},
-        {"210", "␟x甲␞", "·—"},
-        {"210", "12345␞", "·—"},
     // 215: its own line, fixed order, not trimmed.
         {"215", "␟e光盘␟d26cm␟c图␟a320页␞", "\r\n  320页␞：图；26cm+光盘"},
         {"215", "␟a甲␟a乙␟c丙␟c丁␟d戊␟d己␟e庚␟e辛 ␞", "\r\n  甲、乙：丁；戊、己+庚、辛 ␞"},
-        {"215", "␟c图 ", "\r\n  ：图 "},
-        {"215", "␟b甲␞", ""},
     // 225: its marks; a $f before a title is dropped without a word.
         {"225", "␟f主编␟a丛书␟d并列␟e副␟h分␟i名␟x1234␟f编␞", "丛书＝并列：副·分，名，1234／编␞"},
-        {"225", "␟f主编␞", ""},
-    // 327, 686.
         {"327", "␟a第一章␟a第二章␞", "第一章·—第二章␞"},
         {"686", "␟aTP3␟aTP31 ␞", "TP3,TP31 ␞"},
         {"686", "␟bTP3␞", ""},
     // KapianZiduanA: the last $a, untrimmed.
         {"A", "␟a甲␟a乙␟b丙␞", "乙"},
-        {"A", "␟b丙␞", ""},
         {"A", "0 ␟a 甲 ␞", " 甲 ␞"},
-        {"A", "␟a␟b乙␞", ""},
-    // The marks again by code point, where the eye slips on the glyphs.
-        {"200", "␟aA␟cC␟dD␟eE␟fF␟gG␟hH␟vV", "A\uFF0CC\uFF1DD\uFF1AE\uFF0FF\uFF1BG\u00B7H\uFF0EV"},
-        {"210", "␟aA␟bB␟cC␟dD␟eE␟fF␟gG␟hH", "\u00B7\u2014A\uFF08B)\uFF1AC\uFF0CD\uFF08E,F\uFF1AG\uFF0CH\uFF09"},
-        {"215", "␟aA␟aB␟cC␟dD␟eE", "\r\n  A\u3001B\uFF1AC\uFF1BD+E"},
-        {"010", "␟aA␟bB␟dD", "ISBN A\uFF08B\uFF09:D"},
-        {"208", "␟aA␟dD", "\u00B7\u2014A=D"},
-        {"225", "␟aA␟fF␟vV", "A\uFF0FF\uFF1BV"},
         // clang-format on
     };
     for (const auto& c : cases) {

@@ -1,7 +1,5 @@
 // Random input under the sanitizers, bounded so CI stays quick; the seed is printed so
-// that a failure can be replayed. Mutated records through the reader, the card and the
-// tool's record handling must fail only in the ways the reader defines; the card's quick
-// GBK conversion must agree with the platform's on random bytes and text.
+// that a failure can be replayed.
 
 #include "cardrecords.h"
 
@@ -22,10 +20,9 @@ namespace {
 
 std::vector<QString> seeds() {
     // clang-format off
-    return {workedRecord(), record({{"200", "␟a甲书␞"}}),
+    return {workedRecord(),
             record({{"010", "␟a甲␟z乙␟dCNY5␞"}, {"200", "␟f某␟g译␟a题␟e副␞"}, {"210", "␟a京␟b址␟e印␟h厂␞"},
-                    {"215", "␟c图␟e盘␞"}, {"225", "␟f编␟a丛␞"}, {"324", "␟a注␞"}, {"327", "␟a章␟a节␞"},
-                    {"686", "␟aX␞"}, {"690", "␟aK␞"}, {"701", "␟a 王␞"}})};
+                    {"324", "␟a注␞"}, {"327", "␟a章␟a节␞"}, {"686", "␟aX␞"}, {"701", "␟a 王␞"}})};
     // clang-format on
 }
 

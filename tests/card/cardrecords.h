@@ -70,24 +70,12 @@ inline std::vector<Field> workedFields() {
     };
 }
 
-// Built as the documentation writes it: its leader line (length 00473, base 00193) is the
-// first line of the field layout that CardReader.WorkedRecordFieldLayout checks.
+// Its leader, length 00473 and base 00193, is the one the documentation shows.
 inline QString workedRecord() {
     return record(workedFields());
 }
 
-// The number of the runtime error `f` raises, 0 when none.
-template <class F> int errorOf(F f) {
-    try {
-        f();
-    } catch (const vb::VbError& e) {
-        return e.number();
-    }
-    return 0;
-}
-
-// A record through one layout: its text (none when refused), its messages, its runtime
-// error (0 when none).
+// A record through one layout: its text (none when refused), messages and runtime error.
 struct Outcome {
     std::optional<QString> text;
     QStringList messages;
@@ -96,8 +84,11 @@ struct Outcome {
 inline Outcome run(bool card, const QString& marc) {
     Outcome r;
     const auto say = [&](const QString& m) { r.messages << m; };
-    r.error =
-        errorOf([&] { r.text = card ? card::showKapian(marc, say) : card::showZiduan(marc, say); });
+    try {
+        r.text = card ? card::showKapian(marc, say) : card::showZiduan(marc, say);
+    } catch (const vb::VbError& e) {
+        r.error = e.number();
+    }
     return r;
 }
 

@@ -1,6 +1,5 @@
-// frmMarcKaPian driven as a librarian drives it: opened by a caller with a record and a
-// mode, then its buttons pressed in any order. What each layout reads is the reader's
-// business; here, what the form does with it.
+// frmMarcKaPian opened by a caller with a record and a mode, then its buttons pressed in
+// any order; what each layout reads is the reader's business.
 
 #include "cardrecords.h"
 
@@ -11,8 +10,6 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
-
-#include <random>
 
 using namespace cardtest;
 
@@ -52,11 +49,10 @@ TEST(CardViewer, OpeningModesAndButtonsInAnyOrder) {
             << mode.toStdString();
     }
     auto& f = vb::form<frmMarcKaPian>();
-    std::mt19937 rng(6);
-    for (int i = 0; i < 30; ++i) {
-        const int b = int(rng() % 3);
+    // From the record text, every change of layout and one press twice.
+    for (int b : {Ziduan, Ziduan, Kapian, Biaozhun, Kapian, Ziduan, Biaozhun}) {
         press(f, b);
-        ASSERT_EQ(text(f), texts[b]) << "press " << i << " of button " << b;
+        ASSERT_EQ(text(f), texts[b]) << "button " << b;
     }
     EXPECT_TRUE(testsupport::boxes().calls().empty());
     // The card text keeps the closing characters; the box shows them, it does not drop them.
@@ -72,22 +68,11 @@ TEST(CardViewer, OpeningModesAndButtonsInAnyOrder) {
     }
 }
 
-TEST(CardViewer, MessagesEnabledAndARefusedRecord) {
+TEST(CardViewer, MessagesAndARefusedRecord) {
     auto& f = open(record({{"200", "␟f某著␟a书␞"}}), QString());
     EXPECT_EQ(testsupport::boxes().prompts(), QStringList{"本条记录缺少题名，无法正常显示！"});
-    // Enabled is set by the card and the record text; the field layout leaves it.
-    text1(f)->setEnabled(false);
-    press(f, Ziduan);
-    EXPECT_FALSE(text1(f)->isEnabled());
     press(f, Kapian);
-    EXPECT_TRUE(text1(f)->isEnabled());
     EXPECT_EQ(testsupport::boxes().prompts().size(), 2); // again on each press
-    // An OK box with the runtime's own title, not one of the program's.
-    EXPECT_EQ(testsupport::boxes().last().flags, 0);
-    EXPECT_EQ(testsupport::boxes().last().title, vb::appTitle());
-    text1(f)->setEnabled(false);
-    press(f, Biaozhun);
-    EXPECT_TRUE(text1(f)->isEnabled());
     // Opened as "标准", a refused record opens without complaint; each layout that reads it
     // shows the box and leaves the text as it was.
     f.Unload();

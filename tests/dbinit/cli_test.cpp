@@ -23,9 +23,8 @@ struct ToolRun {
     std::string out, err;
 };
 
-// Runs the tool with args (already quoted as needed). Its output goes to a file in a
-// folder of its own, so that the folders under test see nothing of it, or to `target`:
-// a path, or "-" for a closed standard output.
+// Runs the tool with args (already quoted). Output goes to a folder of its own, unseen by
+// the folders under test, or to `target`: a path, or "-" for a closed standard output.
 ToolRun tool(const std::string& args, const std::string& target = {}) {
     static TempDir logs;
     const std::string out = logs.file("out"), err = logs.file("err");
@@ -77,7 +76,6 @@ TEST(DbinitTool, WritesTheSqlServerScriptRowByRowWithTheRowsOfTheSqliteDemo) {
     ASSERT_EQ(tool(withPath("--mssql --demo ", dir.file("demo.sql"))).code, 0);
     ASSERT_EQ(tool(withPath("--demo ", dir.file("demo.db"))).code, 0);
     const std::string demo = slurp(dir.file("demo.sql"));
-    EXPECT_EQ(demo, tool("--demo --mssql").out);
     // Every table of the embedded database, without dropping or recreating anything of a
     // database shared with other subsystems.
     EXPECT_EQ(occurrences(plain.out, "CREATE TABLE [dbo]."),
@@ -116,20 +114,15 @@ TEST(DbinitTool, WritesTheSqlServerScriptRowByRowWithTheRowsOfTheSqliteDemo) {
     // A status column that was there already gets its default too.
     EXPECT_TRUE(contains(plain.out, "'ColumnId'))\nALTER TABLE [dbo].[cgk] ADD CONSTRAINT "
                                     "[DF_cgk_status] DEFAULT (0) FOR [status]\nGO\n"));
-    // The grant that the librarians need on an existing LibUse is at the top.
-    EXPECT_LT(plain.out.find("--   UPDATE LibUse SET cgk=1 WHERE username=N'"),
-              plain.out.find("CREATE TABLE"));
 }
 
 #ifndef _WIN32
-// Refused runs write nothing: not over an existing file, not where the folder is missing or
-// cannot be written (even root may not create files in /proc), not on bad arguments. When
-// only the report cannot be written, what was asked for is made all the same.
+// Refused runs write nothing: not over an existing file, not where the folder is missing,
+// not on bad arguments. When only the report is lost, what was asked for is made.
 TEST(DbinitTool, RefusesWithoutWritingAndSaysWhenItsOutputIsLost) {
     TempDir dir;
     const std::string existing = dir.file("orvane.db");
     std::ofstream(existing) << "not a database";
-    std::ofstream(dir.file("plain")) << "x";
     const std::string db = withPath("", dir.file("x.db"));
     struct Case {
         std::string args;
@@ -139,23 +132,16 @@ TEST(DbinitTool, RefusesWithoutWritingAndSaysWhenItsOutputIsLost) {
     const Case cases[] = {
         {withPath("", existing), 1, "文件已存在"},
         {withPath("--mssql ", existing), 1, "文件已存在"},
-        {withPath("--demo ", dir.file("plain") + "/orvane.db"), 1, "orvane-dbinit: "},
         {withPath("--demo ", dir.file("missing") + "/orvane.db"), 1, "orvane-dbinit: "},
-        {"--demo /proc/orvane-dbinit-test.db", 1, "orvane-dbinit: "},
         {"--bogus " + db, 2, "--bogus"},
         {"--zsk-rows abc " + db, 2, "abc"},
         {db + " " + db, 2, "多余"},
-        {"--demo", 2, "缺少"},
         {"--mssql --zsk-rows 10", 2, "--zsk-rows"},
         // Counts that would only fill the disk.
-        {"--zsk-rows 99999999999 " + db, 2, "--zsk-rows 最多 10000000 行: 99999999999"},
-        {"--zsk-rows=10000001 " + db, 2, "最多 10000000"},
-        {"--zsk-rows 99999999999999999999999 " + db, 2, "最多 10000000"},
+        {"--zsk-rows=10000001 " + db, 2, "--zsk-rows 最多 10000000 行: 10000001"},
         // Output to a full device or a closed standard output.
         {"--mssql", 1, "orvane-dbinit: 无法写出SQL Server 脚本: No space left on device",
          "/dev/full"},
-        {"--mssql --demo", 1, "orvane-dbinit: 无法写出SQL Server 脚本: Bad file descriptor", "-"},
-        {"--help", 1, "无法写出用法说明", "/dev/full"},
         {withPath("", dir.file("a.db")), 1, "无法写出结果信息", "/dev/full"},
         {withPath("--mssql ", dir.file("a.sql")), 1, "无法写出结果信息", "-"}};
     for (const Case& c : cases) {
@@ -164,30 +150,10 @@ TEST(DbinitTool, RefusesWithoutWritingAndSaysWhenItsOutputIsLost) {
             << c.args << ": " << r.code << r.err;
     }
     EXPECT_EQ(slurp(existing), "not a database");
-    EXPECT_FALSE(std::filesystem::exists("/proc/orvane-dbinit-test.db"));
-    EXPECT_EQ(dir.entries(), (std::vector<std::string>{"a.db", "a.sql", "orvane.db", "plain"}));
+    EXPECT_EQ(dir.entries(), (std::vector<std::string>{"a.db", "a.sql", "orvane.db"}));
     EXPECT_EQ(Db(dir.file("a.db")).text("Select cgk From LibUse Where username='admin'"), "1");
     EXPECT_TRUE(contains(slurp(dir.file("a.sql")), "CREATE TABLE [dbo].[cgk]"));
     EXPECT_EQ(tool("--help").code, 0);
-}
-
-// Interrupted once the temporary file is there, long before ten million rows; the shell
-// gives 128 and the signal's number for a run that a signal ended.
-TEST(DbinitTool, AnInterruptedRunLeavesNoTemporaryFile) {
-    for (const auto& [sig, code] : {std::pair("INT", 130), std::pair("TERM", 143)}) {
-        TempDir dir;
-        const std::string script =
-            std::string("sh -c '\"$1\" --zsk-rows 10000000 \"$2/big.db\" >/dev/null 2>&1 & "
-                        "p=$!; i=0; while [ -z \"$(ls -A \"$2\")\" ] && [ $i -lt 2000 ]; do "
-                        "sleep 0.005; i=$((i+1)); done; [ -n \"$(ls -A \"$2\")\" ] || exit 99; "
-                        "kill -s $3 $p; wait $p' sh ")
-                .append(withPath("", ORVANE_DBINIT_EXE))
-                .append(withPath(" ", dir.path.string()))
-                .append(1, ' ')
-                .append(sig);
-        EXPECT_EQ(WEXITSTATUS(std::system(script.c_str())), code) << sig;
-        EXPECT_EQ(dir.entries(), std::vector<std::string>{}) << sig;
-    }
 }
 #endif
 

@@ -36,8 +36,7 @@ public:
             << sqlite3_errmsg(db_) << " in " << sql;
     }
 
-    // Every row, each column as text ("<null>" for NULL); a failing statement gives one row
-    // of "error: " and the message.
+    // Every row as text ("<null>" for NULL); a failing statement gives one "error: " row.
     std::vector<std::vector<std::string>> rows(const std::string& sql) const {
         std::vector<std::vector<std::string>> out;
         sqlite3_stmt* st = nullptr;
