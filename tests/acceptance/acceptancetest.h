@@ -1,7 +1,7 @@
 #pragma once
 // Shared by the acceptance tests: orders made to measure on a fresh database, a dump of
 // every table to prove a failed save left nothing behind, a fault that strikes the k-th
-// write on cgk, and a hand inside modal forms.
+// write on cgk.
 
 #include "acceptance/YanShouAddfrm.h"
 #include "acceptance/YanShoufrm.h"
@@ -9,6 +9,7 @@
 #include "platform/flexgrid.h"
 #include "platform/maskedbox.h"
 #include "query/Findfrm.h"
+#include "tests/shell/modalscript.h"
 #include "tests/support/checks.h"
 #include "tests/support/printto.h"
 #include "tests/support/testsupport.h"
@@ -19,26 +20,8 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
-
-#include <functional>
 
 using namespace testsupport;
-
-// Runs `open`, and `inside` (which must close it) once a modal form is up; fails when none
-// comes.
-inline void whileModal(const std::function<void()>& inside, const std::function<void()>& open) {
-    QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, [&] {
-        if (!QApplication::activeModalWidget()) return;
-        poll.stop();
-        inside();
-    });
-    poll.start(10);
-    open();
-    settle();
-    EXPECT_FALSE(poll.isActive()) << "no modal form came up";
-}
 
 // In the query builder: `field` 等于 `value`, then OK.
 inline void findBy(const QString& field, const QString& value) {

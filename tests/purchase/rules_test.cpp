@@ -58,22 +58,6 @@ TEST_F(Rules, TrimAndCaseOnlyWhileAddingOrEditing) {
     EXPECT_TRUE(boxes().calls().empty());
 }
 
-TEST_F(Rules, UnknownSourceAsksButIsNeverRefused) {
-    exec(QStringLiteral("INSERT INTO cggys (publisher) VALUES ('O''Reilly书店')"));
-    EXPECT_FALSE(leave(0, QStringLiteral("O'Reilly书店")).addSource);
-    EXPECT_TRUE(boxes().calls().empty());
-    boxes().answer({vb::vbNo, vb::vbYes});
-    for (bool add : {false, true}) {
-        const auto r = leave(0, QStringLiteral("新来源书店"));
-        EXPECT_EQ(r.addSource, add);
-        EXPECT_EQ(r.focus, -1); // unlike the code lists: no refusal
-        EXPECT_EQ(at(0), QStringLiteral("新来源书店"));
-    }
-    EXPECT_EQ(shown(), QStringLiteral("采购来源：‘新来源书店’不存在，是否添加。#20\n"
-                                      "采购来源：‘新来源书店’不存在，是否添加。#20"));
-    EXPECT_EQ(boxes().last().title, QStringLiteral("操作提示"));
-}
-
 TEST_F(Rules, IsbnIsFormattedCheckedAndFillsThePublisher) {
     // No prefix known: the number stays bare, fails on its length, and No refuses it.
     boxes().answer(vb::vbNo);

@@ -1,7 +1,6 @@
-// The frame and the forms as a librarian meets them inside it: the exit question, the
-// status bar when the server date fails, the size a child window opens at, whose Alt
-// letters win, what an access key does to the field being left, Enter on a button, what
-// each routed command opens; and the right-button popup.
+// The frame and the forms as a librarian meets them inside it: the exit question, the size
+// a child window opens at, whose Alt letters win, what an access key does to the field
+// being left, Enter on a button, what each routed command opens; the right-button popup.
 #include "modalscript.h"
 #include "shelltest.h"
 
@@ -15,7 +14,6 @@
 #include "shell/routes.h"
 
 #include <QAction>
-#include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -66,14 +64,6 @@ protected:
         QTest::keyClick(at ? at : frame().window(), k, Qt::AltModifier);
         settle();
     }
-    // Runs the action that opens a modal form, and `inside` (which must close it) as soon as
-    // that form is up.
-    static void whileModal(std::function<void()> inside, const std::function<void()>& open) {
-        ModalScript script;
-        script.when([] { return QApplication::activeModalWidget() != nullptr; }, std::move(inside));
-        open();
-        settle();
-    }
 };
 
 // The close box, 退出系统 on the menu and button 15 ask the same question; No stays,
@@ -100,20 +90,6 @@ TEST_F(FrameTest, ExitQuestionFromEveryWayOut) {
             EXPECT_TRUE(frame().isLoaded());
         }
     }
-}
-
-// A server date that cannot be read is told once and the local day shown. A command whose
-// form has no route is there but disabled, on the menu and on the toolbar.
-TEST_F(FrameTest, ServerDateFailureAndUnroutedCommandsDisabled) {
-    gConnStr = shelltest::brokenProfile();
-    frame();
-    ASSERT_EQ(boxes().calls().size(), 1u) << boxes().prompts().join(u'|').toStdString();
-    EXPECT_TRUE(boxes().last().prompt.startsWith(u"获取服务器日期时出现错误！"_s));
-    const QString today = vb::Format(QDateTime::currentDateTime(), u"yyyy年mm月dd日"_s);
-    EXPECT_TRUE(frame().ctl<QLabel>(u"Panel1"_s)->text().startsWith(u"当前日期："_s + today));
-    ASSERT_TRUE(act(u"采购订单"_s)->isEnabled() && button(3)->isEnabled());
-    Mainfrm::setCommandHandler(Mainfrm::cmd采购订单, {});
-    EXPECT_FALSE(act(u"采购订单"_s)->isEnabled() || button(3)->isEnabled());
 }
 
 // The right-button popup, driven by keys: ids count separators (a blanked dash is one

@@ -4,7 +4,9 @@
 // Steps that never come due fail the test and leave their modal loops.
 
 #include "platform/form.h"
+#include "tests/support/testsupport.h"
 
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QTimer>
 
@@ -63,3 +65,12 @@ private:
     int m_timeoutMs;
     bool m_busy = false;
 };
+
+// Runs `open`, and `inside` (which must close it) once a modal form is up; fails when none
+// comes.
+inline void whileModal(std::function<void()> inside, const std::function<void()>& open) {
+    ModalScript script;
+    script.when([] { return QApplication::activeModalWidget() != nullptr; }, std::move(inside));
+    open();
+    testsupport::settle();
+}
