@@ -1,7 +1,7 @@
 // One title from order to statistics, as a librarian takes it through the frame on the demo
 // database: ordered, accepted short, ordered again for the rest, the rest accepted in a
 // second batch, the two vouchers printed from the browser, and the source's arrival rate
-// and payment read from the amount statistics.
+// and payment read from the amount statistics and from orvane-report.
 #include "acceptance/YanShouBDD.h"
 #include "acceptance/YanShouBDDfrm.h"
 #include "acceptance/YanShouBrowerfrm.h"
@@ -15,6 +15,7 @@
 #include "shell/routes.h"
 #include "tests/acceptance/acceptancetest.h"
 
+#include <QFile>
 #include <QProcess>
 #include <QRadioButton>
 
@@ -83,6 +84,20 @@ protected:
         dlg.Option1(option)->setChecked(true);
         whileModal(bySource, [&] { click(dlg, QStringLiteral("Command1_0")); });
         return pdfText(report);
+    }
+    // The same statistic from the command line, narrowed the same way, as CSV.
+    QString reportCsv(const QString& statistic) {
+        const QString csv = tempPath() + u'/' + statistic + QStringLiteral(".csv");
+        QProcess p;
+        p.start(QStringLiteral(ORVANE_REPORT_EXE),
+                {QStringLiteral("--db"), dbPath(), QStringLiteral("--where"),
+                 QStringLiteral(" Where bookfrom='%1'").arg(kSource), QStringLiteral("--out"), csv,
+                 statistic});
+        EXPECT_TRUE(p.waitForFinished(60000));
+        EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+        QFile f(csv);
+        EXPECT_TRUE(f.open(QIODevice::ReadOnly));
+        return QString::fromUtf8(f.readAll());
     }
 };
 
@@ -205,6 +220,13 @@ TEST_F(Road, OneTitleFromOrderToStatistics) {
     const QString paid = statistic(6, vb::form<printTotalJine>());
     EXPECT_TRUE(paid.contains(QStringLiteral("灯塔书局 1 4 88 77 87 合计 1 4 88 77 87")))
         << paid.toStdString();
+    const QString rateCsv = reportCsv(QStringLiteral("tyscount"));
+    EXPECT_TRUE(
+        rateCsv.contains(QStringLiteral("\r\n灯塔书局,1,1,100,5,4,80\r\n合计,1,1,100,5,4,80")))
+        << rateCsv.toStdString();
+    const QString paidCsv = reportCsv(QStringLiteral("tjine"));
+    EXPECT_TRUE(paidCsv.contains(QStringLiteral("\r\n灯塔书局,1,4,88,77,87\r\n合计,1,4,88,77,87")))
+        << paidCsv.toStdString();
 }
 
 } // namespace
